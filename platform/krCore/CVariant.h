@@ -1,0 +1,81 @@
+#pragma once
+
+#include "NTypes.h"
+#include "krcore_export.h"
+
+#include <QByteArray>
+#include <QMetaType>
+#include <QString>
+#include <QVariant>
+
+class QDataStream;
+class QDebug;
+
+/// A value of one firmware data type: a scalar, a text, raw bytes or an array of elements.
+///
+/// Storage by type: BOOL as bool; signed integers (I8..I64) as qlonglong; unsigned integers
+/// (U8..U64, TIME, TIME_OF_DAY, TIME_DIFFERENCE) as qulonglong; F32/F64 as double; the text
+/// types (12, 13, 14, 16, 17, 18) as QString; everything else (byte types, XY, the DS402 types)
+/// and every array of two or more elements as QByteArray in little-endian element order.
+/// A null value still carries its type.
+class KRCORE_EXPORT CVariant
+{
+public:
+    CVariant(); ///< null value of type E_UNKNOWN
+    explicit CVariant(NTypes::eTypes_t type); ///< null value of a type
+    /// Parses \a text as \a type (see docs/platform.md for the text forms); empty or
+    /// unreadable text gives a null value of that type.
+    CVariant(const QString &text, NTypes::eTypes_t type);
+    /// An array of \a count elements of \a type from little-endian \a bytes (count 1 is a scalar).
+    CVariant(const QByteArray &bytes, NTypes::eTypes_t type, int count);
+
+    /// Converts a QVariant to \a type: byte arrays stay bytes, everything else goes through text.
+    static CVariant fromVariant(const QVariant &value, NTypes::eTypes_t type);
+    /// Builds a value directly from a number (clamped to nothing: the caller picks the type).
+    static CVariant fromI64(qint64 value, NTypes::eTypes_t type);
+    static CVariant fromU64(quint64 value, NTypes::eTypes_t type);
+    static CVariant fromF64(double value, NTypes::eTypes_t type);
+
+    bool isNull() const;
+    NTypes::eTypes_t type() const { return m_type; }
+    /// Number of elements: 1 for a scalar, n for an array built from bytes.
+    int count() const { return m_count; }
+    bool isArray() const { return m_count > 1; }
+
+    /// Text form that the text constructor reads back; empty for a null value.
+    QString toStr() const;
+    qint64 toI64(bool *ok = nullptr) const;
+    quint64 toU64(bool *ok = nullptr) const;
+    double toF64(bool *ok = nullptr) const;
+    bool toBool(bool *ok = nullptr) const;
+    /// The little-endian bytes of the value (numbers in their type's size, texts as UTF-8,
+    /// UTF-16 for USTRING and WCHAR_ARRAY).
+    QByteArray toByteArray() const;
+    QVariant toVariant() const { return m_value; }
+    operator QVariant() const { return m_value; }
+
+    bool operator==(const CVariant &other) const;
+    bool operator!=(const CVariant &other) const { return !(*this == other); }
+
+    /// Whether \a type is stored as bytes (and shown as hexadecimal text).
+    static bool isByteType(NTypes::eTypes_t type);
+    static bool isTextType(NTypes::eTypes_t type);
+    static bool isSignedType(NTypes::eTypes_t type);
+    static bool isUnsignedType(NTypes::eTypes_t type);
+    static bool isFloatType(NTypes::eTypes_t type);
+
+private:
+    friend KRCORE_EXPORT QDataStream &operator<<(QDataStream &, const CVariant &);
+    friend KRCORE_EXPORT QDataStream &operator>>(QDataStream &, CVariant &);
+
+    NTypes::eTypes_t m_type = NTypes::E_UNKNOWN;
+    int m_count = 1;
+    QVariant m_value;
+};
+
+/// Stream form: type (quint32), element count (qint32), value (QVariant).
+KRCORE_EXPORT QDataStream &operator<<(QDataStream &out, const CVariant &value);
+KRCORE_EXPORT QDataStream &operator>>(QDataStream &in, CVariant &value);
+KRCORE_EXPORT QDebug operator<<(QDebug debug, const CVariant &value);
+
+Q_DECLARE_METATYPE(CVariant)
