@@ -1,0 +1,167 @@
+#pragma once
+
+#include "krodict_export.h"
+#include "NkrObjectIds.h"
+
+#include <QMetaType>
+#include <QString>
+
+#include <type_traits>
+
+class QDataStream;
+class QDebug;
+
+/// Numeric address of a dictionary object: a 32-bit id and a 32-bit sub-id, 0xFFFFFFFF meaning
+/// "none" for either. The packed 64-bit form (NkrObjectIds::eObjectId_t) is the bare id for an
+/// object without sub-id and id << 32 | subId for a sub-object.
+///
+/// Besides the unsigned int and unsigned long long overloads, the constructors and setId() take
+/// any other integer type so that plain literals are not ambiguous: types of up to 32 bits are an
+/// id, 64-bit types a packed value.
+class KRODICT_EXPORT COdictObjectId
+{
+    template <typename T>
+    using EnableIfInteger = std::enable_if_t<std::is_integral<T>::value && !std::is_same<T, bool>::value, int>;
+    template <typename T>
+    using EnableIfInteger64 = std::enable_if_t<std::is_integral<T>::value && sizeof(T) == 8, int>;
+
+public:
+    /// A cleared id: no id and no sub-id.
+    COdictObjectId() = default;
+    COdictObjectId(unsigned int id, unsigned int subId) : m_id(id), m_subId(subId) {}
+    COdictObjectId(unsigned int id) : m_id(id) {}
+    COdictObjectId(NkrObjectIds::eObjectId_t packed) { setObjectId(packed); }
+    COdictObjectId(unsigned long long packed) { setId(packed); }
+    /// Unpacks \a packed; a \a subId other than 0xFFFFFFFF replaces the packed sub-id.
+    COdictObjectId(NkrObjectIds::eObjectId_t packed, unsigned int subId) { setObjectId(packed, subId); }
+    /// Any 64-bit integer with a sub-id: the same as the eObjectId_t form.
+    template <typename T, EnableIfInteger64<T> = 0>
+    COdictObjectId(T packed, unsigned int subId)
+    {
+        setObjectId(NkrObjectIds::eObjectId_t(static_cast<unsigned long long>(packed)), subId);
+    }
+    /// Any other integer: up to 32 bits an id, 64 bits a packed value.
+    template <typename T, EnableIfInteger<T> = 0>
+    COdictObjectId(T value)
+    {
+        setId(value);
+    }
+    COdictObjectId(const COdictObjectId &other) = default;
+
+    COdictObjectId &operator=(const COdictObjectId &other) = default;
+    /// Deliberately unlike the constructor: keeps only the lower 32 bits as id, no sub-id.
+    COdictObjectId &operator=(NkrObjectIds::eObjectId_t id)
+    {
+        m_id = static_cast<unsigned int>(id);
+        m_subId = s_none;
+        return *this;
+    }
+
+    void setObjectId(NkrObjectIds::eObjectId_t packed)
+    {
+        const unsigned long long value = packed;
+        if (value >> 32) {
+            m_id = static_cast<unsigned int>(value >> 32);
+            m_subId = static_cast<unsigned int>(value);
+        } else {
+            m_id = static_cast<unsigned int>(value);
+            m_subId = s_none;
+        }
+    }
+    /// Unpacks \a packed; a \a subId other than 0xFFFFFFFF replaces the packed sub-id.
+    void setObjectId(NkrObjectIds::eObjectId_t packed, unsigned int subId)
+    {
+        setObjectId(packed);
+        if (subId != s_none)
+            m_subId = subId;
+    }
+    void setId(NkrObjectIds::eObjectId_t packed) { setObjectId(packed); }
+    void setId(unsigned long long packed) { setObjectId(NkrObjectIds::eObjectId_t(packed)); }
+    /// Replaces the id only; the sub-id stays.
+    void setId(unsigned int id) { m_id = id; }
+    /// Any other integer: up to 32 bits replaces the id only, 64 bits unpacks.
+    template <typename T, EnableIfInteger<T> = 0>
+    void setId(T value)
+    {
+        if constexpr (sizeof(T) == 8)
+            setId(static_cast<unsigned long long>(value));
+        else
+            setId(static_cast<unsigned int>(value));
+    }
+    void setSubId(unsigned int subId) { m_subId = subId; }
+    void clear()
+    {
+        m_id = s_none;
+        m_subId = s_none;
+    }
+
+    unsigned int id() const { return m_id; }
+    unsigned int subId() const { return m_subId; }
+    unsigned int &rId() { return m_id; }
+    unsigned int &rSubId() { return m_subId; }
+
+    /// Both id and sub-id are absent.
+    bool isNull() const { return m_id == s_none && m_subId == s_none; }
+    /// The id is present; the sub-id is not looked at.
+    bool isValid() const { return m_id != s_none; }
+
+    /// The packed 64-bit form.
+    unsigned long long toU64() const
+    {
+        return m_subId == s_none ? static_cast<unsigned long long>(m_id)
+                                 : (static_cast<unsigned long long>(m_id) << 32) | m_subId;
+    }
+    NkrObjectIds::eObjectId_t toId() const { return NkrObjectIds::eObjectId_t(toU64()); }
+    // Explicit, so that comparisons with integer literals do not compete with the built-in ones.
+    explicit operator unsigned long long() const { return toU64(); }
+    explicit operator NkrObjectIds::eObjectId_t() const { return toId(); }
+
+    /// \a prefix and the packed value in lower-case hex, zero-padded to 16 digits.
+    QString toStr(const QString &prefix) const;
+    /// \a prefix and the packed value in lower-case hex, padded to 16 digits with \a fill, or
+    /// unpadded when \a fill is the null character.
+    QString toStr(const QChar &fill, const QString &prefix) const;
+    /// Translated text "ID 8192" or "ID 8192:03".
+    QString info() const;
+
+    bool operator==(const COdictObjectId &other) const { return m_id == other.m_id && m_subId == other.m_subId; }
+    bool operator!=(const COdictObjectId &other) const { return !(*this == other); }
+    // Deliberately unpacks first, so 0x00002000FFFFFFFF equals id 0x2000 without sub-id.
+    bool operator==(NkrObjectIds::eObjectId_t other) const { return *this == COdictObjectId(other); }
+    bool operator!=(NkrObjectIds::eObjectId_t other) const { return !(*this == other); }
+
+    // Ordering deliberately compares the packed values: all plain objects sort before all sub-objects.
+    bool operator<(const COdictObjectId &other) const { return toU64() < other.toU64(); }
+    bool operator>(const COdictObjectId &other) const { return toU64() > other.toU64(); }
+    bool operator<=(const COdictObjectId &other) const { return toU64() <= other.toU64(); }
+    bool operator>=(const COdictObjectId &other) const { return toU64() >= other.toU64(); }
+    bool operator<(NkrObjectIds::eObjectId_t other) const { return toU64() < static_cast<unsigned long long>(other); }
+    bool operator>(NkrObjectIds::eObjectId_t other) const { return toU64() > static_cast<unsigned long long>(other); }
+    bool operator<=(NkrObjectIds::eObjectId_t other) const { return toU64() <= static_cast<unsigned long long>(other); }
+    bool operator>=(NkrObjectIds::eObjectId_t other) const { return toU64() >= static_cast<unsigned long long>(other); }
+    bool operator<(unsigned long long other) const { return toU64() < other; }
+    bool operator>(unsigned long long other) const { return toU64() > other; }
+    bool operator<=(unsigned long long other) const { return toU64() <= other; }
+    bool operator>=(unsigned long long other) const { return toU64() >= other; }
+
+private:
+    static constexpr unsigned int s_none = 0xFFFFFFFFu;
+
+    unsigned int m_id = s_none;
+    unsigned int m_subId = s_none;
+};
+
+Q_DECLARE_TYPEINFO(COdictObjectId, Q_MOVABLE_TYPE);
+Q_DECLARE_METATYPE(COdictObjectId)
+
+/// ((seed ^ id) rotated left by 16) ^ subId.
+inline uint qHash(const COdictObjectId &id, uint seed = 0) noexcept
+{
+    const quint32 mixed = seed ^ id.id();
+    return ((mixed << 16) | (mixed >> 16)) ^ id.subId();
+}
+
+KRODICT_EXPORT QDataStream &operator<<(QDataStream &out, const COdictObjectId &id);
+KRODICT_EXPORT QDataStream &operator>>(QDataStream &in, COdictObjectId &id);
+/// Writes "COdictObjectId( 8192:03 )".
+KRODICT_EXPORT QDebug operator<<(QDebug debug, const COdictObjectId &id);
