@@ -1,0 +1,294 @@
+#include "CXmlAbstractKiroFile.h"
+
+#include "CMessageBoardHelper.h"
+#include "CStr.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QTextCodec>
+#include <QTextStream>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+namespace {
+
+const QString kHeader = QStringLiteral("Header");
+const QString kDate = QStringLiteral("Date");
+const QString kTime = QStringLiteral("Time");
+const QString kAuthor = QStringLiteral("Author");
+const QString kComment = QStringLiteral("Comment");
+const QString kVersion = QStringLiteral("Version");
+const QString kVersionAttribute = QStringLiteral("version");
+const QString kDateFormat = QStringLiteral("yyyy-MM-dd");
+const QString kTimeFormat = QStringLiteral("HH:mm:ss");
+const QString kUtf8 = QStringLiteral("UTF-8");
+
+QString dateText(const QDate &date) { return date.isValid() ? date.toString(kDateFormat) : QString(); }
+QString timeText(const QTime &time) { return time.isValid() ? time.toString(kTimeFormat) : QString(); }
+
+/// Fills one part of the meta data from a Header child; unknown children are ignored.
+void setMetaPart(CXMLMetaData &meta, const QStringRef &tag, const QString &text)
+{
+    if (tag == kDate) {
+        meta.setDate(QDate::fromString(text.trimmed(), kDateFormat));
+    } else if (tag == kTime) {
+        meta.setTime(QTime::fromString(text.trimmed(), kTimeFormat));
+    } else if (tag == kAuthor) {
+        meta.setAuthor(text);
+    } else if (tag == kComment) {
+        meta.setComment(text);
+    } else if (tag == kVersion) {
+        bool ok = false;
+        const NTypes::uVersion_t version = CStr::stringToVersion(text.trimmed(), &ok);
+        meta.setVersion(ok ? version : NTypes::uVersion_t(0));
+    }
+}
+
+/// The encoding named in the document's XML declaration; empty when there is none.
+QString declaredEncoding(const QDomDocument &doc)
+{
+    const QDomNode first = doc.firstChild();
+    if (!first.isProcessingInstruction() || first.nodeName() != QLatin1String("xml"))
+        return QString();
+    static const QRegularExpression encoding(QStringLiteral("encoding\\s*=\\s*[\"']([^\"']*)[\"']"));
+    return encoding.match(first.toProcessingInstruction().data()).captured(1);
+}
+
+/// Compares a document element's tag and version attribute with the expected ones; \a accept
+/// is asked on a version mismatch. Answers a CXmlAbstractKiroFile::eOpenResult_t.
+template<typename Accept>
+int checkRoot(const QString &tag, const QString &foundVersion, const QString &type, const QString &version,
+              QString *errorText, Accept accept)
+{
+    if (tag != type) {
+        if (errorText)
+            *errorText = QStringLiteral("The document element is <%1>, expected <%2>.").arg(tag, type);
+        return CXmlAbstractKiroFile::E_OPEN_WRONG_TYPE;
+    }
+    if (foundVersion != version && !accept(foundVersion, version)) {
+        if (errorText)
+            *errorText = QStringLiteral("Version '%1' of <%2> found, '%3' expected.").arg(foundVersion, tag, version);
+        return CXmlAbstractKiroFile::E_OPEN_WRONG_VERSION;
+    }
+    return CXmlAbstractKiroFile::E_OPEN_OK;
+}
+
+} // namespace
+
+CXmlAbstractKiroFile::CXmlAbstractKiroFile(ICLogfile *log)
+    : m_log(log)
+{
+}
+
+CXmlAbstractKiroFile::~CXmlAbstractKiroFile() = default;
+
+bool CXmlAbstractKiroFile::create(const QString &type, const QString &version, const CXMLMetaData &meta,
+                                  const QString &encoding)
+{
+    if (type.trimmed().isEmpty())
+        return false;
+
+    m_encoding = encoding.isEmpty() ? kUtf8 : encoding;
+    QDomDocument doc;
+    doc.appendChild(doc.createProcessingInstruction(
+        QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"%1\"").arg(m_encoding)));
+    QDomElement root = doc.createElement(type);
+    root.setAttribute(kVersionAttribute, version);
+    doc.appendChild(root);
+    QDomElement header = doc.createElement(kHeader);
+    root.appendChild(header);
+    writeHeaderElement(doc, header, meta);
+
+    m_domDoc = CDomDoc(doc);
+    m_metaData = meta;
+    return true;
+}
+
+int CXmlAbstractKiroFile::open(const QString &fileName, const QString &type, const QString &version,
+                               QString *errorText)
+{
+    const auto fail = [errorText](int result, const QString &text) {
+        if (errorText)
+            *errorText = text;
+        return result;
+    };
+
+    const QFileInfo info(fileName);
+    if (!info.exists())
+        return fail(E_OPEN_NOT_READABLE, QStringLiteral("The file '%1' does not exist.").arg(fileName));
+    if (info.isDir())
+        return fail(E_OPEN_NOT_READABLE, QStringLiteral("'%1' is a directory, not a file.").arg(fileName));
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return fail(E_OPEN_NOT_READABLE,
+                    QStringLiteral("Cannot open '%1': %2").arg(fileName, file.errorString()));
+    }
+    const QByteArray content = file.readAll();
+    file.close();
+
+    QDomDocument doc;
+    QString message;
+    int line = 0;
+    int column = 0;
+    if (!doc.setContent(content, false, &message, &line, &column)) {
+        return fail(E_OPEN_NOT_WELLFORMED,
+                    QStringLiteral("Line %1, column %2: %3").arg(QString::number(line), QString::number(column), message));
+    }
+
+    const QDomElement root = doc.documentElement();
+    QString checkText;
+    const int check = checkRoot(root.tagName(), root.attribute(kVersionAttribute), type, version, &checkText,
+                                [this](const QString &found, const QString &expected) {
+                                    return handleVersionError(found, expected);
+                                });
+    if (check != E_OPEN_OK)
+        return fail(check, checkText);
+
+    m_domDoc = CDomDoc(doc);
+    m_metaData = metaDataFromElement(root.firstChildElement(kHeader));
+    const QString encoding = declaredEncoding(doc);
+    m_encoding = encoding.isEmpty() ? kUtf8 : encoding;
+    if (errorText)
+        errorText->clear();
+    return E_OPEN_OK;
+}
+
+bool CXmlAbstractKiroFile::save(const QString &fileName, const QString &encoding)
+{
+    const QDomDocument &doc = m_domDoc.document();
+    if (doc.documentElement().isNull()) {
+        CMessageBoardHelper::setWarning(QStringLiteral("Cannot save '%1': there is no document.").arg(fileName), m_log);
+        return false;
+    }
+
+    QString name = encoding.isEmpty() ? m_encoding : encoding;
+    QTextCodec *codec = QTextCodec::codecForName(name.toLatin1());
+    if (!codec)
+        codec = QTextCodec::codecForName("UTF-8");
+
+    // QSaveFile writes a temporary file beside the target and renames it on commit, so the old
+    // file stays untouched until the new one is complete.
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly)) {
+        CMessageBoardHelper::setWarning(
+            QStringLiteral("Cannot save '%1': %2").arg(fileName, file.errorString()), m_log);
+        return false;
+    }
+    {
+        QTextStream stream(&file);
+        stream.setCodec(codec);
+        // The declaration is written from the stream's codec, so it always names the bytes written.
+        doc.save(stream, 2, QDomNode::EncodingFromTextStream);
+        stream.flush();
+        if (stream.status() != QTextStream::Ok)
+            file.cancelWriting();
+    }
+    if (!file.commit()) {
+        CMessageBoardHelper::setWarning(
+            QStringLiteral("Cannot save '%1': %2").arg(fileName, file.errorString()), m_log);
+        return false;
+    }
+    return true;
+}
+
+void CXmlAbstractKiroFile::setMetaData(const CXMLMetaData &meta)
+{
+    m_metaData = meta;
+    QDomElement root = m_domDoc.documentElement();
+    if (root.isNull())
+        return;
+    QDomDocument &doc = m_domDoc.document();
+    QDomElement header = root.firstChildElement(kHeader);
+    if (header.isNull()) {
+        header = doc.createElement(kHeader);
+        root.insertBefore(header, root.firstChild());
+    }
+    writeHeaderElement(doc, header, meta);
+}
+
+QString CXmlAbstractKiroFile::documentType() const
+{
+    return m_domDoc.documentElement().tagName();
+}
+
+QString CXmlAbstractKiroFile::documentVersion() const
+{
+    return m_domDoc.documentElement().attribute(kVersionAttribute);
+}
+
+CXMLMetaData CXmlAbstractKiroFile::metaDataFromElement(const QDomElement &header)
+{
+    CXMLMetaData meta;
+    if (header.isNull())
+        return meta;
+    for (QDomElement child = header.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        const QString tag = child.tagName();
+        setMetaPart(meta, QStringRef(&tag), child.text());
+    }
+    return meta;
+}
+
+void CXmlAbstractKiroFile::writeHeaderElement(QDomDocument &doc, QDomElement header, const CXMLMetaData &meta)
+{
+    while (!header.firstChild().isNull())
+        header.removeChild(header.firstChild());
+
+    const auto add = [&doc, &header](const QString &tag, const QString &text) {
+        QDomElement element = doc.createElement(tag);
+        if (!text.isEmpty())
+            element.appendChild(doc.createTextNode(text));
+        header.appendChild(element);
+    };
+    add(kDate, dateText(meta.date()));
+    add(kTime, timeText(meta.time()));
+    add(kAuthor, meta.author());
+    add(kComment, meta.comment());
+    add(kVersion, CStr::versionToString(meta.version()));
+}
+
+CXMLMetaData CXmlAbstractKiroFile::readHeader(QXmlStreamReader &reader)
+{
+    CXMLMetaData meta;
+    if (!reader.isStartElement())
+        return meta;
+    while (reader.readNextStartElement()) {
+        const QString name = reader.name().toString();
+        const QString text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+        setMetaPart(meta, QStringRef(&name), text);
+    }
+    return meta;
+}
+
+void CXmlAbstractKiroFile::writeHeader(QXmlStreamWriter &writer, const CXMLMetaData &meta)
+{
+    writer.writeStartElement(kHeader);
+    writer.writeTextElement(kDate, dateText(meta.date()));
+    writer.writeTextElement(kTime, timeText(meta.time()));
+    writer.writeTextElement(kAuthor, meta.author());
+    writer.writeTextElement(kComment, meta.comment());
+    writer.writeTextElement(kVersion, CStr::versionToString(meta.version()));
+    writer.writeEndElement();
+}
+
+int CXmlAbstractKiroFile::checkDocumentElement(QXmlStreamReader &reader, const QString &type,
+                                               const QString &version, QString *errorText)
+{
+    if (!reader.isStartElement()) {
+        if (errorText)
+            *errorText = QStringLiteral("No document element found, expected <%1>.").arg(type);
+        return E_OPEN_WRONG_TYPE;
+    }
+    return checkRoot(reader.name().toString(), reader.attributes().value(kVersionAttribute).toString(),
+                     type, version, errorText, [this](const QString &found, const QString &expected) {
+                         return handleVersionError(found, expected);
+                     });
+}
+
+bool CXmlAbstractKiroFile::handleVersionError(const QString &found, const QString &expected)
+{
+    Q_UNUSED(found)
+    Q_UNUSED(expected)
+    return false;
+}
