@@ -8,3 +8,7 @@ ODICT="$BUILD/tools/odict/odict"
 
 "$ODICT" --version
 "$ODICT" selfcheck
+
+DEMO="$ROOT/examples/demo_drive.xml"
+"$ODICT" info "$DEMO"
+"$ODICT" check "$DEMO"

@@ -20,6 +20,12 @@ QTextStream &err()
 namespace {
 
 const sCommand_t commands[] = {
+    {"info", "Print a summary of a dictionary file (name, version, counts, id ranges).", runInfo},
+    {"check", "Load a dictionary file and list every warning (exit 0 clean, 1 warnings, 2 not opened).", runCheck},
+    {"save", "Load a dictionary file and save it again, normalised: odict save IN OUT.", runSave},
+    {"narrow", "Narrow a dictionary to one device of the device database and save it.", runNarrow},
+    {"devices", "Build the device database from its SQL source: odict devices build SQL -o DB.", runDevices},
+    {"demo", "Write the demo dictionary from its definition in code.", runDemo},
     {"selfcheck", "Check the platform layer (types, values, units, XML head) and print the result.", runSelfCheck},
 };
 

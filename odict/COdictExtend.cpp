@@ -1,0 +1,178 @@
+#include "COdictExtend.h"
+
+#include "COdictExtendEdit.h"
+#include "COdictExtendObjectTree.h"
+#include "COdictExtend_p.h"
+#include "COdictObject.h"
+#include "COdictValueObject.h"
+
+using namespace NkrOdict;
+
+// ---- shared helpers ----
+
+COdictObjectTree *NOdictExtend::newTree(eObjectType_t kind, ICLogfile *log)
+{
+    return new COdictExtendObjectTree(kind, log);
+}
+
+COdictObjectTree *NOdictExtend::copyTree(const COdictObjectTree &tree)
+{
+    if (const auto *extended = extendTree(&tree))
+        return new COdictExtendObjectTree(*extended);
+    return new COdictObjectTree(tree);
+}
+
+COdictExtendObjectTree *NOdictExtend::extendTree(COdictObjectTree *tree)
+{
+    return qobject_cast<COdictExtendObjectTree *>(tree);
+}
+
+const COdictExtendObjectTree *NOdictExtend::extendTree(const COdictObjectTree *tree)
+{
+    return qobject_cast<const COdictExtendObjectTree *>(tree);
+}
+
+bool NOdictExtend::hasVirtualSubObjects(const COdictObjectTree *tree, const COdictObject &object)
+{
+    if (!tree)
+        return false;
+    for (unsigned int subId : object.subIdList()) {
+        const COdictObject *sub = tree->objectPtr(COdictObjectId(object.id(), subId));
+        if (sub && sub->isVirtual())
+            return true;
+    }
+    return false;
+}
+
+// ---- COdictExtend ----
+
+COdictObjectTree *COdictExtendPrivate::newTree(eObjectType_t kind) const
+{
+    return NOdictExtend::newTree(kind, logfile);
+}
+
+COdictObjectTree *COdictExtendPrivate::copyTree(const COdictObjectTree &tree) const
+{
+    return NOdictExtend::copyTree(tree);
+}
+
+COdictExtend::COdictExtend(eObjectType_t kind, QObject *parent) : COdictExtend(kind, nullptr, parent) {}
+
+COdictExtend::COdictExtend(eObjectType_t kind, ICLogfile *log, QObject *parent)
+    : COdict(*new COdictExtendPrivate(this), parent)
+{
+    initialise(kind, log);
+}
+
+COdictExtend::COdictExtend(COdictExtendPrivate &dd, QObject *parent) : COdict(dd, parent) {}
+
+COdictExtend::~COdictExtend() = default;
+
+void COdictExtend::setObjectFilter(VirtualObjectFlags filter)
+{
+    if (COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree()))
+        tree->setObjectFilter(filter);
+}
+
+VirtualObjectFlags COdictExtend::objectFilter() const
+{
+    const COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree());
+    return tree ? tree->objectFilter() : VirtualObjectFlags();
+}
+
+bool COdictExtend::hasVirtualSubObjects(const COdictObject &object) const
+{
+    return NOdictExtend::hasVirtualSubObjects(objectTree(), object);
+}
+
+bool COdictExtend::hasVirtualSubObjects(const COdictObjectId &id) const
+{
+    const COdictObject *object = objectPtr(id);
+    return object && hasVirtualSubObjects(*object);
+}
+
+// ---- COdictExtendEdit ----
+
+COdictObjectTree *COdictExtendEditPrivate::newTree(eObjectType_t kind) const
+{
+    return NOdictExtend::newTree(kind, logfile);
+}
+
+COdictObjectTree *COdictExtendEditPrivate::copyTree(const COdictObjectTree &tree) const
+{
+    return NOdictExtend::copyTree(tree);
+}
+
+bool COdictExtendEditPrivate::setValueObject(const COdictValueObject &object)
+{
+    if (!tree)
+        return false;
+    if (!object.isVirtual()) {
+        // The owner is stored, then each of its virtual sub-objects takes its part of the values.
+        bool result = COdictEditPrivate::setValueObject(object);
+        if (!result || !object.couldHaveVirtualSubObjects())
+            return result;
+        for (unsigned int subId : object.subIdList()) {
+            const COdictNode *node = tree->node(COdictObjectId(object.id(), subId));
+            if (!node)
+                continue;
+            COdictValueObject sub = node->dataRef().toValueObject();
+            bool ok = false;
+            sub.setCurrentValue(object.currentValueForVirtualSubObject(subId, &ok));
+            sub.setSetpointValue(object.setpointValueForVirtualSubObject(subId, &ok));
+            sub.setError(object.error());
+            result = COdictEditPrivate::setValueObject(sub) && result;
+        }
+        return result;
+    }
+    // A virtual sub-object's value lives in its owner: write it there and store the owner.
+    const COdictNode *node = tree->node(object.uniqueId());
+    const COdictNode *ownerNode = node ? node->parent() : nullptr;
+    if (!ownerNode)
+        return false;
+    COdictValueObject owner = ownerNode->dataRef().toValueObject();
+    const bool current = owner.setCurrentValueFromVirtualSubObject(object);
+    const bool setpoint = owner.setSetpointValueFromVirtualSubObject(object);
+    const bool stored = setValueObject(owner);
+    return current && setpoint && stored;
+}
+
+COdictExtendEdit::COdictExtendEdit(eObjectType_t kind, QObject *parent) : COdictExtendEdit(kind, nullptr, parent) {}
+
+COdictExtendEdit::COdictExtendEdit(eObjectType_t kind, ICLogfile *log, QObject *parent)
+    : COdictEdit(*new COdictExtendEditPrivate(this), parent)
+{
+    initialise(kind, log);
+}
+
+COdictExtendEdit::COdictExtendEdit(COdictExtendEditPrivate &dd, QObject *parent) : COdictEdit(dd, parent) {}
+
+COdictExtendEdit::~COdictExtendEdit() = default;
+
+void COdictExtendEdit::setObjectFilter(VirtualObjectFlags filter)
+{
+    if (COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree()))
+        tree->setObjectFilter(filter);
+}
+
+VirtualObjectFlags COdictExtendEdit::objectFilter() const
+{
+    const COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree());
+    return tree ? tree->objectFilter() : VirtualObjectFlags();
+}
+
+bool COdictExtendEdit::hasVirtualSubObjects(const COdictObject &object) const
+{
+    return NOdictExtend::hasVirtualSubObjects(objectTree(), object);
+}
+
+bool COdictExtendEdit::hasVirtualSubObjects(const COdictObjectId &id) const
+{
+    const COdictObject *object = objectPtr(id);
+    return object && hasVirtualSubObjects(*object);
+}
+
+bool COdictExtendEdit::hasVirtualSubObjects(const COdictValueObject &object) const
+{
+    return NOdictExtend::hasVirtualSubObjects(objectTree(), object);
+}

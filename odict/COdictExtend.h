@@ -1,0 +1,30 @@
+#pragma once
+
+#include "COdict.h"
+#include "krodict_export.h"
+
+class COdictExtendPrivate;
+
+/// A read-only dictionary whose tree adds virtual sub-objects for bit-set objects and for the
+/// X/Y halves of data-type-24 parameters, as its object filter selects.
+class KRODICT_EXPORT COdictExtend : public COdict
+{
+    Q_OBJECT
+public:
+    explicit COdictExtend(NkrOdict::eObjectType_t kind, QObject *parent = nullptr);
+    COdictExtend(NkrOdict::eObjectType_t kind, ICLogfile *log, QObject *parent = nullptr);
+    ~COdictExtend() override;
+
+    /// Stored in the tree; acts when the tree is built, so set it before loading. Ignored without a tree.
+    void setObjectFilter(NkrOdict::VirtualObjectFlags filter);
+    NkrOdict::VirtualObjectFlags objectFilter() const;
+    /// True as soon as one sub-id of the object's list names a virtual object of this dictionary.
+    bool hasVirtualSubObjects(const COdictObject &object) const;
+    bool hasVirtualSubObjects(const COdictObjectId &id) const;
+
+protected:
+    COdictExtend(COdictExtendPrivate &dd, QObject *parent);
+
+private:
+    Q_DECLARE_PRIVATE(COdictExtend)
+};

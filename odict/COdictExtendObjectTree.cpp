@@ -1,0 +1,151 @@
+#include "COdictExtendObjectTree.h"
+
+#include "CDataTypeParser.h"
+#include "COdictEditorObject.h"
+#include "COdictObject.h"
+#include "COdictParameterObject.h"
+#include "COdictValueObject.h"
+
+using namespace NkrOdict;
+
+namespace {
+
+// Bit-set objects wider than a 64-bit word get no virtual bits.
+constexpr unsigned int maxBitSetObjectSize = 64;
+
+// The virtual sub-object of each object class, made by that class's own factory.
+COdictObject makeVirtual(const COdictObject &owner, unsigned int subId, bool *ok)
+{
+    return COdictObject::createVirtualSubObject(owner, subId, ok);
+}
+
+COdictValueObject makeVirtual(const COdictValueObject &owner, unsigned int subId, bool *ok)
+{
+    return COdictValueObject::createVirtualSubObject(owner, subId, ok);
+}
+
+COdictParameterObject makeVirtual(const COdictParameterObject &owner, unsigned int subId, bool *ok)
+{
+    return COdictParameterObject::createVirtualSubObject(owner, subId, ok);
+}
+
+COdictEditorObject makeVirtual(const COdictEditorObject &owner, unsigned int subId, bool *ok)
+{
+    COdictEditorObject sub(owner); // keeps the editor texts, turns the base part into the sub-object
+    *ok = COdictObject::createVirtualSubObject(sub, subId);
+    return sub;
+}
+
+} // namespace
+
+COdictExtendObjectTree::COdictExtendObjectTree(eObjectType_t kind, ICLogfile *log, QObject *parent)
+    : COdictObjectTree(kind, log, parent)
+{
+}
+
+COdictExtendObjectTree::COdictExtendObjectTree(const COdictExtendObjectTree &other)
+    : COdictObjectTree(other), m_filter(other.m_filter)
+{
+}
+
+COdictExtendObjectTree::~COdictExtendObjectTree() = default;
+
+COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
+{
+    bool created = false;
+    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
+    if (created)
+        addVirtualSubObjects(node);
+    if (ok)
+        *ok = created;
+    return node;
+}
+
+COdictNode *COdictExtendObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
+{
+    bool created = false;
+    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
+    if (created)
+        addVirtualSubObjects(node);
+    if (ok)
+        *ok = created;
+    return node;
+}
+
+COdictNode *COdictExtendObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
+{
+    bool created = false;
+    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
+    if (created)
+        addVirtualSubObjects(node);
+    if (ok)
+        *ok = created;
+    return node;
+}
+
+COdictNode *COdictExtendObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
+{
+    bool created = false;
+    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
+    if (created)
+        addVirtualSubObjects(node);
+    if (ok)
+        *ok = created;
+    return node;
+}
+
+template <class X>
+void COdictExtendObjectTree::addVirtualSubObjectsOf(COdictNode *node, X &owner, const QList<unsigned int> &subIds)
+{
+    for (unsigned int subId : subIds) {
+        bool made = false;
+        const X sub = makeVirtual(owner, subId, &made);
+        if (!made)
+            continue;
+        bool registered = false;
+        // The base class registers: virtual sub-objects get no virtual sub-objects of their own.
+        COdictNode *child = COdictObjectTree::createObjectNode(sub, E_IT_SUBOBJECT, &registered);
+        if (!registered) {
+            delete child; // a duplicate id was reported by the registration
+            continue;
+        }
+        node->appendChild(child);
+        owner.addSubId(subId);
+    }
+}
+
+void COdictExtendObjectTree::addVirtualSubObjects(COdictNode *node)
+{
+    COdictItem *item = node->dataPtr();
+    COdictObject *object = item ? item->objectPtr() : nullptr;
+    if (!object || object->isSubObject())
+        return;
+
+    QList<unsigned int> subIds;
+    if (object->hasBitSet()) {
+        if (!(m_filter & E_VO_BITSET) || node->childCount() > 0 || object->dataSize() > maxBitSetObjectSize)
+            return;
+        subIds = object->possibleVirtualSubIds();
+    } else if (object->dataType() == NTypes::E_XY && (m_filter & E_VO_XY)
+               && (object->isParameter() || object->isDatabaseParameter())
+               && object->dataSize() >= CDataTypeParser::typeSize(NTypes::E_XY)) {
+        subIds = object->possibleVirtualSubIds();
+    } else {
+        return;
+    }
+
+    switch (item->objectType()) {
+    case E_OT_VALUE:
+        addVirtualSubObjectsOf(node, *item->toValueObjectPtr(), subIds);
+        break;
+    case E_OT_EDITOR:
+        addVirtualSubObjectsOf(node, *item->toEditorObjectPtr(), subIds);
+        break;
+    case E_OT_PARAMETER:
+        addVirtualSubObjectsOf(node, *item->toParameterObjectPtr(), subIds);
+        break;
+    default:
+        addVirtualSubObjectsOf(node, *object, subIds);
+        break;
+    }
+}

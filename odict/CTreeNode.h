@@ -1,0 +1,146 @@
+#pragma once
+
+#include <QList>
+#include <QVector>
+
+/// An owning tree node: the node owns its item and all its children; the parent is not owned.
+/// Deleting and cloning walk the subtree iteratively, so very deep trees cannot overflow the stack.
+/// T provides a copy constructor, operator= and a static sharedDefaultItem().
+template <class T>
+class CTreeNode
+{
+public:
+    CTreeNode() = default;
+    explicit CTreeNode(const T &item) : m_item(new T(item)) {}
+    CTreeNode(const CTreeNode &) = delete;
+    CTreeNode &operator=(const CTreeNode &) = delete;
+
+    virtual ~CTreeNode()
+    {
+        delete m_item;
+        // Children are freed breadth-first from a work list instead of by recursion.
+        QVector<CTreeNode *> pending(m_children.cbegin(), m_children.cend());
+        m_children.clear();
+        while (!pending.isEmpty()) {
+            CTreeNode *node = pending.takeLast();
+            pending.append(QVector<CTreeNode *>(node->m_children.cbegin(), node->m_children.cend()));
+            node->m_children.clear();
+            delete node;
+        }
+    }
+
+    /// A deep copy of this subtree without a parent; nodes without item get a copy of the default item.
+    virtual CTreeNode *clone() const
+    {
+        auto copyOf = [](const CTreeNode *source) {
+            auto *node = new CTreeNode;
+            node->m_item = new T(source->dataRef());
+            return node;
+        };
+        CTreeNode *top = copyOf(this);
+        QVector<QPair<const CTreeNode *, CTreeNode *>> pending{{this, top}};
+        while (!pending.isEmpty()) {
+            const auto [source, target] = pending.takeLast();
+            target->m_children.reserve(source->m_children.size());
+            for (const CTreeNode *child : source->m_children) {
+                CTreeNode *copy = copyOf(child);
+                copy->m_parent = target;
+                target->m_children.append(copy);
+                pending.append({child, copy});
+            }
+        }
+        return top;
+    }
+
+    /// A copy of the item, or of the shared default item when there is none.
+    virtual T data() const { return dataRef(); }
+    virtual T *dataPtr() const { return m_item; }
+    virtual const T &dataRef() const { return m_item ? *m_item : T::sharedDefaultItem(); }
+    virtual CTreeNode *parent() const { return m_parent; }
+    virtual QList<CTreeNode *> children() const { return m_children; }
+    virtual CTreeNode *child(int index) const
+    {
+        return index >= 0 && index < m_children.size() ? m_children.at(index) : nullptr;
+    }
+    virtual int childCount() const { return m_children.size(); }
+    /// Index in the parent's children; 0 without parent.
+    virtual int row() const
+    {
+        if (!m_parent || m_parent->m_children.isEmpty())
+            return 0;
+        return qMax(0, m_parent->m_children.indexOf(const_cast<CTreeNode *>(this)));
+    }
+    virtual bool hasData() const { return m_item != nullptr; }
+    /// Assigns into the existing item (which so takes over the argument's reference id), or stores a copy.
+    virtual void setData(const T &item)
+    {
+        if (m_item)
+            *m_item = item;
+        else
+            m_item = new T(item);
+    }
+    virtual void setParent(CTreeNode *parent) { m_parent = parent; }
+    virtual void appendChild(CTreeNode *child)
+    {
+        child->m_parent = this;
+        m_children.append(child);
+    }
+    virtual bool insertChild(CTreeNode *child, int index)
+    {
+        if (!child || index < 0 || index > m_children.size())
+            return false;
+        child->m_parent = this;
+        m_children.insert(index, child);
+        return true;
+    }
+    /// Unlinks a child without deleting it; null when it is not a child.
+    virtual CTreeNode *takeChild(CTreeNode *child)
+    {
+        const int index = m_children.indexOf(child);
+        if (index < 0)
+            return nullptr;
+        m_children.removeAt(index);
+        child->m_parent = nullptr;
+        return child;
+    }
+    virtual bool removeChild(CTreeNode *child)
+    {
+        const int index = m_children.indexOf(child);
+        return index >= 0 && removeChild(index);
+    }
+    virtual bool removeChild(int index)
+    {
+        if (index < 0 || index >= m_children.size())
+            return false;
+        delete m_children.takeAt(index);
+        return true;
+    }
+    virtual bool removeChildren(int start, int count)
+    {
+        if (start < 0 || count < 0 || start + count > m_children.size())
+            return false;
+        for (int i = 0; i < count; ++i)
+            delete m_children.takeAt(start);
+        return true;
+    }
+    virtual bool removeAllChildren()
+    {
+        const QList<CTreeNode *> children = m_children;
+        m_children.clear();
+        for (CTreeNode *child : children)
+            delete child;
+        return true;
+    }
+
+    /// The item pointer, taking ownership of \a item (used when building nodes).
+    void setItem(T *item)
+    {
+        delete m_item;
+        m_item = item;
+    }
+
+private:
+    T *m_item = nullptr;
+    CTreeNode *m_parent = nullptr;
+    QList<CTreeNode *> m_children;
+};

@@ -1,0 +1,189 @@
+// info, check and save: looking at a dictionary file and normalising it.
+#include "Commands.h"
+
+#include <CMemoryLogfile.h>
+#include <COdictEdit.h>
+#include <COdictObject.h>
+#include <COdictObjectTree.h>
+#include <CStr.h>
+
+#include <QCommandLineParser>
+#include <QMap>
+#include <QVector>
+
+namespace {
+
+struct sRange_t {
+    const char *label;
+    unsigned int first;
+    unsigned int last;
+};
+
+// The id areas of a drive dictionary.
+const sRange_t ranges[] = {
+    {"manufacturer objects", 0x0000, 0x0FFF},
+    {"communication (DS301)", 0x1000, 0x1FFF},
+    {"manufacturer area 0x2000", 0x2000, 0x5FFF},
+    {"drive profile (DS402)", 0x6000, 0x60FF},
+    {"other", 0x6100, 0xFFFFFFFE},
+};
+
+struct sStatistics_t {
+    int groups = 0;
+    int objects = 0;
+    int subObjects = 0;
+    int maxGroupDepth = 0;
+};
+
+sStatistics_t statistics(const COdictNode *dictionary)
+{
+    sStatistics_t s;
+    if (!dictionary)
+        return s;
+    QVector<QPair<const COdictNode *, int>> pending{{dictionary, 0}};
+    while (!pending.isEmpty()) {
+        const auto [node, depth] = pending.takeLast();
+        for (const COdictNode *child : node->children()) {
+            int childDepth = depth;
+            switch (child->dataRef().type()) {
+            case NkrOdict::E_IT_GROUP:
+                ++s.groups;
+                childDepth = depth + 1;
+                s.maxGroupDepth = qMax(s.maxGroupDepth, childDepth);
+                break;
+            case NkrOdict::E_IT_OBJECT:
+                ++s.objects;
+                break;
+            case NkrOdict::E_IT_SUBOBJECT:
+                ++s.subObjects;
+                break;
+            default:
+                break;
+            }
+            pending.append({child, childDepth});
+        }
+    }
+    return s;
+}
+
+const char *severityText(NkrLogfiles::eSeverity_t severity)
+{
+    switch (severity) {
+    case NkrLogfiles::E_SEV_WARNING:
+        return "warning";
+    case NkrLogfiles::E_SEV_CRITICAL:
+        return "critical";
+    default:
+        return "info";
+    }
+}
+
+} // namespace
+
+int runInfo(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Prints a summary of a dictionary file."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
+    if (!parseArguments(parser, arguments, 1))
+        return E_EXIT_USAGE;
+    const QString file = parser.positionalArguments().at(0);
+    CMemoryLogfile log;
+    const auto dictionary = loadEditorDictionary(file, &log);
+    if (!dictionary)
+        return E_EXIT_NOT_OPENED;
+
+    const COdictObjectTree *tree = dictionary->objectTree();
+    const COdictNode *top = tree->dictionaryNode();
+    const sStatistics_t s = statistics(top);
+    const CXMLMetaData meta = dictionary->odictMetaData();
+    out() << "file:          " << file << '\n'
+          << "name:          " << (top ? top->dataRef().name() : QString()) << '\n'
+          << "version:       " << CStr::versionToString(meta.version()) << '\n'
+          << "date:          " << meta.date().toString(Qt::ISODate) << ' ' << meta.time().toString(QStringLiteral("HH:mm:ss")) << '\n'
+          << "author:        " << meta.author() << '\n'
+          << "history:       " << dictionary->odictHistory().size() << " versions\n"
+          << "structures:    " << dictionary->odictDataStructureList().size() << '\n'
+          << "groups:        " << s.groups << " (nested up to " << s.maxGroupDepth << " deep)\n"
+          << "objects:       " << s.objects << '\n'
+          << "sub-objects:   " << s.subObjects << '\n';
+
+    // Objects per id area, from the id index (ordered: plain ids first).
+    QMap<int, QPair<unsigned int, unsigned int>> extent; // area -> (lowest, highest)
+    QMap<int, int> counts;
+    const auto &index = tree->idIndex();
+    for (auto it = index.cbegin(); it != index.cend(); ++it) {
+        if (it.key().subId() != 0xFFFFFFFFu)
+            continue;
+        const unsigned int id = it.key().id();
+        for (int r = 0; r < int(sizeof(ranges) / sizeof(ranges[0])); ++r) {
+            if (id < ranges[r].first || id > ranges[r].last)
+                continue;
+            auto e = extent.find(r);
+            if (e == extent.end())
+                extent.insert(r, {id, id});
+            else
+                e->second = qMax(e->second, id);
+            ++counts[r];
+            break;
+        }
+    }
+    out() << "id ranges:\n";
+    for (auto it = extent.cbegin(); it != extent.cend(); ++it) {
+        out() << QStringLiteral("  %1 objects  0x%2 .. 0x%3  %4\n")
+                     .arg(counts.value(it.key()), 5)
+                     .arg(it.value().first, 4, 16, QLatin1Char('0'))
+                     .arg(it.value().second, 4, 16, QLatin1Char('0'))
+                     .arg(QLatin1String(ranges[it.key()].label));
+    }
+    const int warnings = dictionary->warningMessages().size();
+    if (warnings > 0)
+        out() << "warnings:      " << warnings << " (run 'odict check' to list them)\n";
+    return E_EXIT_OK;
+}
+
+int runCheck(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Loads a dictionary file and prints every warning and critical message.\n"
+        "Exit status: 0 clean, 1 with warnings or critical messages, 2 not opened."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
+    if (!parseArguments(parser, arguments, 1))
+        return E_EXIT_USAGE;
+    const QString file = parser.positionalArguments().at(0);
+    CMemoryLogfile log;
+    const auto dictionary = loadEditorDictionary(file, &log);
+    if (!dictionary)
+        return E_EXIT_NOT_OPENED;
+    int problems = 0;
+    for (const CMemoryLogfile::sEntry_t &entry : log.entries()) {
+        if (entry.severity == NkrLogfiles::E_SEV_INFO)
+            continue;
+        out() << severityText(entry.severity) << ": " << entry.text << '\n';
+        ++problems;
+    }
+    out() << file << ": " << (problems == 0 ? QStringLiteral("clean") : QStringLiteral("%1 problem(s)").arg(problems)) << '\n';
+    return problems == 0 ? E_EXIT_OK : E_EXIT_WARNINGS;
+}
+
+int runSave(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Loads a dictionary file and saves it again, normalised."));
+    parser.addPositionalArgument(QStringLiteral("IN"), QStringLiteral("The dictionary file to read."));
+    parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
+    if (!parseArguments(parser, arguments, 2))
+        return E_EXIT_USAGE;
+    CMemoryLogfile log;
+    const auto dictionary = loadEditorDictionary(parser.positionalArguments().at(0), &log);
+    if (!dictionary)
+        return E_EXIT_NOT_OPENED;
+    const QString target = parser.positionalArguments().at(1);
+    if (dictionary->saveDictionary(target) != 0) {
+        err() << "odict: cannot write '" << target << "'\n";
+        return E_EXIT_WARNINGS;
+    }
+    out() << "saved " << target << '\n';
+    return E_EXIT_OK;
+}

@@ -1,0 +1,50 @@
+#include "Commands.h"
+
+#include <CMemoryLogfile.h>
+#include <COdictEdit.h>
+
+#include <QCommandLineParser>
+#include <QDateTime>
+#include <QFileInfo>
+
+bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int positionals)
+{
+    parser.addHelpOption();
+    if (!parser.parse(arguments)) {
+        err() << "odict: " << parser.errorText() << '\n';
+        return false;
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        out() << parser.helpText();
+        out().flush();
+        ::exit(0);
+    }
+    // The command's name stands where a program name would and is not a positional argument.
+    if (parser.positionalArguments().size() != positionals) {
+        err() << "odict: wrong number of arguments\n" << parser.helpText();
+        return false;
+    }
+    return true;
+}
+
+std::unique_ptr<COdictEdit> loadEditorDictionary(const QString &file, CMemoryLogfile *log)
+{
+    auto dictionary = std::make_unique<COdictEdit>(NkrOdict::E_OT_EDITOR);
+    dictionary->setLogfile(log);
+    if (log)
+        log->clear(); // the creation message is not about the file
+    if (dictionary->loadDictionary(file) != 0) {
+        const QStringList reasons = dictionary->warningMessages();
+        err() << "odict: cannot open '" << file << "'"
+              << (reasons.isEmpty() ? QString() : QStringLiteral(": ") + reasons.last()) << '\n';
+        return nullptr;
+    }
+    return dictionary;
+}
+
+QDate exportDate()
+{
+    bool ok = false;
+    const qint64 epoch = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&ok);
+    return ok ? QDateTime::fromSecsSinceEpoch(epoch, Qt::UTC).date() : QDate::currentDate();
+}
