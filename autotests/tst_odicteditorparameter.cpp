@@ -1,0 +1,217 @@
+#include "COdictEditorObject.h"
+#include "COdictParameterObject.h"
+
+#include <QDataStream>
+#include <QDebug>
+#include <QtTest>
+
+namespace {
+
+using ValueMap = QMap<int, QVariant>;
+
+COdictObject baseObject(NTypes::eTypes_t type, unsigned int size)
+{
+    COdictObject o;
+    o.setId(0x400u);
+    o.setName(QStringLiteral("LIMITS"));
+    o.setDataType(type);
+    o.setDataSize(size);
+    return o;
+}
+
+} // namespace
+
+class tst_OdictEditorParameter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void editorNullAndEquality()
+    {
+        COdictEditorObject e;
+        QVERIFY(e.isNull());
+        QCOMPARE(e.objectType(), NkrOdict::E_OT_EDITOR);
+        QCOMPARE(e.accessType(), 1);
+        e.setAccessType(0);
+        QVERIFY(!e.isNull());
+        QVERIFY(!e.isValid());
+
+        COdictEditorObject named(baseObject(NTypes::E_U16, 2));
+        QVERIFY(named.isValid());
+        QCOMPARE(named.dataTypeString(), QStringLiteral("U16"));
+        COdictEditorObject copy = named;
+        copy.setDescription(QStringLiteral("text"));
+        QVERIFY(copy != named);
+        QVERIFY(named.description().isEmpty());
+    }
+
+    void editorStreamsOnlyItsOwnPart()
+    {
+        COdictEditorObject e(baseObject(NTypes::E_U16, 2));
+        e.setDefString(QStringLiteral("A"));
+        QByteArray bytes;
+        {
+            QDataStream out(&bytes, QIODevice::WriteOnly);
+            out << e;
+        }
+        QCOMPARE(bytes.toHex(), QByteArray("00000002" "0041" "ffffffff" "ffffffff" "ffffffff" "ffffffff" "00000001"));
+
+        COdictEditorObject read(baseObject(NTypes::E_I32, 4));
+        QDataStream in(bytes);
+        in >> read;
+        QCOMPARE(in.status(), QDataStream::Ok);
+        QCOMPARE(read.defString(), QStringLiteral("A"));
+        QCOMPARE(read.dataType(), NTypes::E_I32); // base attributes are not read
+        QCOMPARE(read.dataSize(), 4u);
+    }
+
+    void editorTruncatedStreamFails()
+    {
+        COdictEditorObject e;
+        e.setFwVariablename(QStringLiteral("g_limits"));
+        e.setAccessType(7);
+        QByteArray bytes;
+        {
+            QDataStream out(&bytes, QIODevice::WriteOnly);
+            out << e;
+        }
+        for (int length = 0; length < bytes.size(); ++length) {
+            QDataStream in(bytes.left(length));
+            COdictEditorObject read;
+            in >> read;
+            QVERIFY(in.status() != QDataStream::Ok);
+        }
+    }
+
+    void parameterValueWithoutSet_data()
+    {
+        QTest::addColumn<uint>("type");
+        QTest::addColumn<int>("metaType");
+
+        QTest::newRow("BOOL") << 1u << int(QMetaType::Bool);
+        QTest::newRow("I32") << 7u << int(QMetaType::LongLong);
+        QTest::newRow("U16") << 4u << int(QMetaType::ULongLong);
+        QTest::newRow("F32") << 10u << int(QMetaType::Double);
+        QTest::newRow("STRING") << 12u << int(QMetaType::QString);
+        QTest::newRow("OCTETS") << 15u << int(QMetaType::QByteArray);
+        QTest::newRow("XY") << 24u << int(QMetaType::QByteArray);
+    }
+
+    void parameterValueWithoutSet()
+    {
+        QFETCH(uint, type);
+        QFETCH(int, metaType);
+
+        COdictParameterObject p(baseObject(NTypes::eTypes_t(type), 4));
+        p.setValue(1, QVariant(5));
+        const QVariant missing = p.value(2);
+        QVERIFY(missing.isValid());
+        QVERIFY(missing.isNull());
+        QCOMPARE(missing.userType(), metaType);
+        QCOMPARE(p.value(1), QVariant(5));
+    }
+
+    void parameterNullEqualityAndDebug()
+    {
+        COdictParameterObject p;
+        QVERIFY(p.isNull());
+        QCOMPARE(p.objectType(), NkrOdict::E_OT_PARAMETER);
+        p.setError(2);
+        QVERIFY(!p.isNull());
+        p.clearError();
+        p.setValues({{0, QVariant(1)}});
+        QVERIFY(!p.isNull());
+
+        const COdictParameterObject a(baseObject(NTypes::E_U16, 2));
+        COdictParameterObject b = a;
+        QCOMPARE(b, a);
+        b.setValue(3, QVariant(9));
+        QVERIFY(b != a);
+        QVERIFY(a.values().isEmpty());
+
+        QString text;
+        QDebug(&text) << a;
+        QCOMPARE(text.trimmed(), QStringLiteral("COdictParameterObject( 1024, 4294967295, LIMITS, NTypes::E_U16 )"));
+    }
+
+    void parameterStreamRoundTrip()
+    {
+        COdictParameterObject p(baseObject(NTypes::E_U16, 2));
+        p.setError(-3);
+        p.setValue(1, QVariant(qulonglong(7)));
+        p.setValue(4, QVariant(QStringLiteral("x")));
+        QByteArray base;
+        {
+            QDataStream out(&base, QIODevice::WriteOnly);
+            out << static_cast<const COdictObject &>(p);
+        }
+        QByteArray bytes;
+        {
+            QDataStream out(&bytes, QIODevice::WriteOnly);
+            out << p;
+        }
+        QVERIFY(bytes.startsWith(base));
+        // error, count 2, then the highest index first
+        QCOMPARE(bytes.mid(base.size(), 16).toHex(), QByteArray("fffffffd" "00000002" "00000004" "0000000a"));
+
+        QDataStream in(bytes);
+        COdictParameterObject read;
+        in >> read;
+        QCOMPARE(in.status(), QDataStream::Ok);
+        QCOMPARE(read, p);
+
+        for (int length = 0; length < bytes.size(); ++length) {
+            QDataStream cut(bytes.left(length));
+            COdictParameterObject partial;
+            cut >> partial;
+            QVERIFY(cut.status() != QDataStream::Ok);
+        }
+    }
+
+    void parameterVirtualSubObject_data()
+    {
+        QTest::addColumn<COdictParameterObject>("owner");
+        QTest::addColumn<uint>("subId");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<ValueMap>("values");
+
+        COdictParameterObject xy(baseObject(NTypes::E_XY, 16));
+        xy.setValue(0, QVariant(QByteArray::fromHex("01000000" "02000000" "03000000" "04000000")));
+        xy.setValue(1, QVariant(QByteArray::fromHex("05000000" "06000000")));
+        QTest::newRow("X2") << xy << 2u << QStringLiteral("X2-Value") << ValueMap{{0, QVariant(qlonglong(3))}};
+        QTest::newRow("Y1") << xy << 1u << QStringLiteral("Y1-Value")
+                            << ValueMap{{0, QVariant(qlonglong(2))}, {1, QVariant(qlonglong(6))}};
+
+        COdictObject bitObject = baseObject(NTypes::E_U8, 1);
+        COdictObjectBitSet bits;
+        bits.insert(1, QStringLiteral("Brake"));
+        bitObject.setBitSetData(bits);
+        COdictParameterObject flags(bitObject);
+        flags.setValue(0, QVariant(2));
+        flags.setValue(3, QVariant(1));
+        QTest::newRow("bit") << flags << 1u << QStringLiteral("Brake")
+                             << ValueMap{{0, QVariant(true)}, {3, QVariant(false)}};
+    }
+
+    void parameterVirtualSubObject()
+    {
+        QFETCH(COdictParameterObject, owner);
+        QFETCH(uint, subId);
+        QFETCH(QString, name);
+        QFETCH(ValueMap, values);
+
+        bool ok = false;
+        const COdictParameterObject sub = COdictParameterObject::createVirtualSubObject(owner, subId, &ok);
+        QVERIFY(ok);
+        QCOMPARE(sub.name(), name);
+        QCOMPARE(sub.subId(), subId);
+        QVERIFY(sub.isVirtual());
+        QCOMPARE(sub.values(), values);
+
+        QVERIFY(COdictParameterObject::createVirtualSubObject(owner, 40, &ok).isNull());
+        QVERIFY(!ok);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_OdictEditorParameter)
+#include "tst_odicteditorparameter.moc"

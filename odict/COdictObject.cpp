@@ -1,0 +1,550 @@
+#include "COdictObject.h"
+
+#include "COdictObject_p.h"
+
+#include "CDataTypeParser.h"
+
+#include <QCoreApplication>
+#include <QDataStream>
+#include <QDebug>
+#include <QStringList>
+
+#include <algorithm>
+
+using NkrOdict::eObjectUsage_t;
+
+namespace {
+
+constexpr unsigned int kNone = 0xFFFFFFFFu;
+// Above this size, array defaults are not expanded and no X/Y elements are listed.
+constexpr unsigned int kMaxExpandedSize = 0xFFFF;
+
+bool isIntegerType(NTypes::eTypes_t type)
+{
+    return type == NTypes::E_BOOL || CVariant::isSignedType(type) || CVariant::isUnsignedType(type);
+}
+
+bool bitOf(const QByteArray &bytes, unsigned int pos)
+{
+    const unsigned int byte = pos / 8;
+    return byte < unsigned(bytes.size()) && ((static_cast<unsigned char>(bytes.at(int(byte))) >> (pos % 8)) & 1u);
+}
+
+} // namespace
+
+COdictObject::COdictObject() : d(new COdictObjectPrivate) {}
+COdictObject::COdictObject(const COdictObject &) = default;
+COdictObject &COdictObject::operator=(const COdictObject &) = default;
+COdictObject::~COdictObject() = default;
+
+NkrOdict::eObjectType_t COdictObject::objectType() const
+{
+    return NkrOdict::E_OT_STD;
+}
+
+bool COdictObject::isNull() const
+{
+    static const COdictObjectPrivate defaults;
+    return d->equals(defaults);
+}
+
+bool COdictObject::isValid() const
+{
+    return !d->name.isEmpty() && d->name != QLatin1String("UNKNOWN") && d->id != kNone;
+}
+
+int COdictObject::ds402PartCount() const
+{
+    switch (d->dataType) {
+    case NTypes::E_DS402_RECORD:
+        return 3;
+    case NTypes::E_DS402_U16ARRAY:
+    case NTypes::E_DS402_I16ARRAY:
+        return int(d->dataSize / 2);
+    case NTypes::E_DS402_U32ARRAY:
+    case NTypes::E_DS402_I32ARRAY:
+    case NTypes::E_DS402_F32ARRAY:
+        return int(d->dataSize / 4);
+    default:
+        return 0;
+    }
+}
+
+QString COdictObject::valueToStr(const CVariant &value, bool withUnit) const
+{
+    if (value.isNull())
+        return QString();
+
+    const NTypes::eTypes_t type = value.type();
+    const bool integer = !value.isArray() && isIntegerType(type);
+    QString text;
+    bool ok = false;
+    const qint64 number = integer ? value.toI64(&ok) : 0;
+    if (ok && hasEnum()) {
+        text = d->enumData.name(number);
+    } else if (hasBitSet() && (integer || CVariant::isByteType(type))) {
+        const QByteArray bytes = value.toByteArray();
+        QStringList names;
+        const unsigned int bitCount = unsigned(bytes.size()) * 8;
+        for (unsigned int pos = 0; pos < bitCount; ++pos) {
+            if (!bitOf(bytes, pos))
+                continue;
+            const QString name = d->bitSetData.name(pos);
+            names << (name.isEmpty() ? QCoreApplication::translate("COdictObject", "Bit %1").arg(pos) : name);
+        }
+        text = names.isEmpty() ? QStringLiteral("0") : names.join(QLatin1String(", "));
+    } else if (CVariant::isFloatType(type) && !value.isArray() && d->digits >= 0) {
+        text = QString::number(value.toF64(), 'f', d->digits);
+    } else {
+        text = value.toStr();
+    }
+
+    if (withUnit) {
+        const QString unit = unitText();
+        if (!unit.isEmpty())
+            text += QLatin1Char(' ') + unit;
+    }
+    return text;
+}
+
+bool COdictObject::compare(const QVariant &a, const QVariant &b) const
+{
+    if (d->arrayLength < 2)
+        return CVariant::fromVariant(a, d->dataType) == CVariant::fromVariant(b, d->dataType);
+    return a.toByteArray() == b.toByteArray();
+}
+
+bool COdictObject::operator==(const COdictObject &other) const
+{
+    return d == other.d || d->equals(*other.d);
+}
+
+QUuid COdictObject::refId() const { return d->refId; }
+void COdictObject::setRefId(const QUuid &refId) { d->refId = refId; }
+
+unsigned int COdictObject::id() const { return d->id; }
+void COdictObject::setId(unsigned int id) { d->id = id; }
+
+void COdictObject::setId(const COdictObjectId &id)
+{
+    d->id = id.id();
+    d->subId = id.subId();
+}
+
+void COdictObject::setId(unsigned long long packed)
+{
+    setId(COdictObjectId(packed));
+}
+
+void COdictObject::setId(NkrObjectIds::eObjectId_t id)
+{
+    d->id = static_cast<unsigned int>(static_cast<unsigned long long>(id));
+}
+
+unsigned int COdictObject::subId() const { return d->subId; }
+void COdictObject::setSubId(unsigned int subId) { d->subId = subId; }
+bool COdictObject::isSubObject() const { return d->subId != kNone; }
+COdictObjectId COdictObject::uniqueId() const { return COdictObjectId(d->id, d->subId); }
+QString COdictObject::uniqueIdInfo() const { return uniqueId().info(); }
+COdictObjectName COdictObject::uniqueName() const { return COdictObjectName(d->name, d->subId); }
+
+NTypes::uVersion_t COdictObject::version() const { return d->version; }
+void COdictObject::setVersion(NTypes::uVersion_t version) { d->version = version; }
+unsigned int COdictObject::ds402Id() const { return d->ds402Id; }
+void COdictObject::setDS402Id(unsigned int ds402Id) { d->ds402Id = ds402Id; }
+unsigned int COdictObject::profinetId() const { return d->profinetId; }
+void COdictObject::setProfinetId(unsigned int profinetId) { d->profinetId = profinetId; }
+
+QString COdictObject::name() const { return d->name; }
+void COdictObject::setName(const QString &name) { d->name = name; }
+
+void COdictObject::setName(const COdictObjectName &name)
+{
+    d->name = name.name();
+    d->subId = name.subId();
+}
+
+QString COdictObject::uiName() const { return d->uiName; }
+void COdictObject::setUiName(const QString &uiName) { d->uiName = uiName; }
+QString COdictObject::uiShortName() const { return d->uiShortName; }
+void COdictObject::setUiShortName(const QString &uiShortName) { d->uiShortName = uiShortName; }
+
+namespace {
+unsigned int unitFor(unsigned int code, NkrUnits::eUnitType_t type)
+{
+    return type == NkrUnits::E_UT_LINEAR ? CUnitParser::toLinear(code) : code;
+}
+} // namespace
+
+unsigned int COdictObject::unit() const { return d->unit; }
+unsigned int COdictObject::unit(NkrUnits::eUnitType_t type) const { return unitFor(d->unit, type); }
+unsigned int COdictObject::xUnit() const { return d->unit; }
+unsigned int COdictObject::xUnit(NkrUnits::eUnitType_t type) const { return unitFor(d->unit, type); }
+unsigned int COdictObject::yUnit() const { return d->yUnit; }
+unsigned int COdictObject::yUnit(NkrUnits::eUnitType_t type) const { return unitFor(d->yUnit, type); }
+void COdictObject::setUnit(unsigned int unit) { d->unit = unit; }
+void COdictObject::setXUnit(unsigned int unit) { d->unit = unit; }
+void COdictObject::setYUnit(unsigned int unit) { d->yUnit = unit; }
+QString COdictObject::unitText() const { return CUnitParser::unitText(d->unit); }
+QString COdictObject::unitText(NkrUnits::eUnitType_t type) const { return CUnitParser::unitText(unit(type)); }
+QString COdictObject::xUnitText() const { return CUnitParser::unitText(d->unit); }
+QString COdictObject::xUnitText(NkrUnits::eUnitType_t type) const { return CUnitParser::unitText(xUnit(type)); }
+QString COdictObject::yUnitText() const { return CUnitParser::unitText(d->yUnit); }
+QString COdictObject::yUnitText(NkrUnits::eUnitType_t type) const { return CUnitParser::unitText(yUnit(type)); }
+
+NTypes::eTypes_t COdictObject::dataType() const { return d->dataType; }
+void COdictObject::setDataType(NTypes::eTypes_t dataType) { d->dataType = dataType; }
+unsigned int COdictObject::dataSize() const { return d->dataSize; }
+void COdictObject::setDataSize(unsigned int dataSize) { d->dataSize = dataSize; }
+unsigned int COdictObject::dataTypeSize() const { return CDataTypeParser::typeSize(d->dataType); }
+unsigned int COdictObject::arrayLength() const { return d->arrayLength; }
+void COdictObject::setArrayLength(unsigned int arrayLength) { d->arrayLength = arrayLength; }
+
+bool COdictObject::isDS402DataType(NTypes::eTypes_t type)
+{
+    return type >= NTypes::E_DS402_RECORD && type <= NTypes::E_DS402_F32ARRAY;
+}
+
+bool COdictObject::isDS402DataType() const { return isDS402DataType(d->dataType); }
+
+bool COdictObject::isComplexDataType(NTypes::eTypes_t type)
+{
+    return (type >= NTypes::E_STRING && type <= NTypes::E_RECORD) || (type >= NTypes::E_XY && type <= NTypes::E_STRUCT);
+}
+
+bool COdictObject::isComplexDataType() const { return isComplexDataType(d->dataType); }
+
+unsigned int COdictObject::accessRights() const { return unsigned(d->accessRights); }
+NkrOdict::AccessRightFlags COdictObject::accessRightsFlags() const { return d->accessRights; }
+void COdictObject::setAccessRights(unsigned int rights) { d->accessRights = NkrOdict::AccessRightFlags(NkrOdict::eAccessRight_t(rights)); }
+void COdictObject::setAccessRights(NkrOdict::AccessRightFlags rights) { d->accessRights = rights; }
+void COdictObject::setAccessRights(NkrOdict::eAccessRight_t rights, bool on) { d->accessRights.setFlag(rights, on); }
+
+unsigned int COdictObject::userlevelRead() const { return d->userlevelRead; }
+void COdictObject::setUserlevelRead(unsigned int level) { d->userlevelRead = level; }
+unsigned int COdictObject::userlevelWrite() const { return d->userlevelWrite; }
+void COdictObject::setUserlevelWrite(unsigned int level) { d->userlevelWrite = level; }
+unsigned int COdictObject::userlevelVisible() const { return d->userlevelVisible; }
+void COdictObject::setUserlevelVisible(unsigned int level) { d->userlevelVisible = level; }
+int COdictObject::digits() const { return d->digits; }
+void COdictObject::setDigits(int digits) { d->digits = digits; }
+
+COdictObjectEnum COdictObject::enumData() const { return d->enumData; }
+void COdictObject::setEnumData(const COdictObjectEnum &enumData) { d->enumData = enumData; }
+const COdictObjectEnum *COdictObject::enumDataPtr() const { return &d->enumData; }
+COdictObjectEnum *COdictObject::enumDataPtr() { return &d->enumData; }
+COdictObjectBitSet COdictObject::bitSetData() const { return d->bitSetData; }
+void COdictObject::setBitSetData(const COdictObjectBitSet &bitSetData) { d->bitSetData = bitSetData; }
+const COdictObjectBitSet *COdictObject::bitSetDataPtr() const { return &d->bitSetData; }
+COdictObjectBitSet *COdictObject::bitSetDataPtr() { return &d->bitSetData; }
+bool COdictObject::hasEnum() const { return !d->enumData.isEmpty(); }
+bool COdictObject::hasBitSet() const { return !d->bitSetData.isEmpty(); }
+bool COdictObject::hasEnumOrBitSet() const { return hasEnum() || hasBitSet(); }
+
+CVariant COdictObject::minValue() const { return d->minValue; }
+CVariant COdictObject::maxValue() const { return d->maxValue; }
+
+CVariant COdictObject::defaultValue(bool expandArray) const
+{
+    const CVariant &stored = d->defaultValue;
+    if (!expandArray || stored.isNull() || stored.isArray())
+        return stored;
+    const unsigned int elementSize = CDataTypeParser::typeSize(d->dataType);
+    if (elementSize == 0 || d->dataSize <= elementSize || d->dataSize > kMaxExpandedSize)
+        return stored;
+
+    // Every element of the array takes the default.
+    QByteArray element = CVariant::fromVariant(stored.toVariant(), d->dataType).toByteArray().left(int(elementSize));
+    if (element.isEmpty())
+        return stored;
+    element.append(QByteArray(int(elementSize) - element.size(), '\0'));
+    const int count = int(d->dataSize / elementSize);
+    QByteArray bytes;
+    bytes.reserve(count * int(elementSize));
+    for (int i = 0; i < count; ++i)
+        bytes.append(element);
+    return CVariant(bytes, d->dataType, count);
+}
+
+CVariant COdictObject::xMinValue() const { return d->minValue; }
+CVariant COdictObject::xMaxValue() const { return d->maxValue; }
+CVariant COdictObject::xDefaultValue() const { return d->defaultValue; }
+CVariant COdictObject::yMinValue() const { return d->yMinValue; }
+CVariant COdictObject::yMaxValue() const { return d->yMaxValue; }
+CVariant COdictObject::yDefaultValue() const { return d->yDefaultValue; }
+CVariant COdictObject::getMinValue() const { return d->maxValue; } // the maximum, on purpose
+CVariant COdictObject::getMaxValue() const { return d->maxValue; }
+CVariant COdictObject::getDefaultValue() const { return d->defaultValue; }
+CVariant COdictObject::getXMinValue() const { return d->minValue; }
+CVariant COdictObject::getXMaxValue() const { return d->maxValue; }
+CVariant COdictObject::getXDefaultValue() const { return d->defaultValue; }
+CVariant COdictObject::getYMinValue() const { return d->yMinValue; }
+CVariant COdictObject::getYMaxValue() const { return d->yMaxValue; }
+CVariant COdictObject::getYDefaultValue() const { return d->yDefaultValue; }
+void COdictObject::setMinValue(const CVariant &value) { d->minValue = value; }
+void COdictObject::setMaxValue(const CVariant &value) { d->maxValue = value; }
+void COdictObject::setDefaultValue(const CVariant &value) { d->defaultValue = value; }
+void COdictObject::setXMinValue(const CVariant &value) { d->minValue = value; }
+void COdictObject::setXMaxValue(const CVariant &value) { d->maxValue = value; }
+void COdictObject::setXDefaultValue(const CVariant &value) { d->defaultValue = value; }
+void COdictObject::setYMinValue(const CVariant &value) { d->yMinValue = value; }
+void COdictObject::setYMaxValue(const CVariant &value) { d->yMaxValue = value; }
+void COdictObject::setYDefaultValue(const CVariant &value) { d->yDefaultValue = value; }
+QString COdictObject::minValueAsStr(bool withUnit) const { return valueToStr(d->minValue, withUnit); }
+QString COdictObject::maxValueAsStr(bool withUnit) const { return valueToStr(d->maxValue, withUnit); }
+QString COdictObject::defaultValueAsStr(bool withUnit) const { return valueToStr(d->defaultValue, withUnit); }
+
+unsigned int COdictObject::objectUsage() const { return unsigned(d->objectUsage); }
+NkrOdict::ObjectUsageFlags COdictObject::objectUsageFlags() const { return d->objectUsage; }
+void COdictObject::setObjectUsage(unsigned int usage) { d->objectUsage = NkrOdict::ObjectUsageFlags(eObjectUsage_t(usage)); }
+void COdictObject::setObjectUsage(NkrOdict::ObjectUsageFlags usage) { d->objectUsage = usage; }
+void COdictObject::setObjectUsage(eObjectUsage_t usage, bool on) { d->objectUsage.setFlag(usage, on); }
+
+eObjectUsage_t COdictObject::baseObjectUsage() const
+{
+    const NkrOdict::ObjectUsageFlags usage = d->objectUsage;
+    if (usage.testFlag(NkrOdict::E_OU_DATABASE_PARAMETER))
+        return NkrOdict::E_OU_DATABASE_PARAMETER;
+    if (usage.testFlag(NkrOdict::E_OU_PARAMETER))
+        return NkrOdict::E_OU_PARAMETER;
+    if (usage.testFlag(NkrOdict::E_OU_ACTUAL))
+        return NkrOdict::E_OU_ACTUAL;
+    return usage.testFlag(NkrOdict::E_OU_OBJECT) ? NkrOdict::E_OU_OBJECT : NkrOdict::E_OU_NONE;
+}
+
+bool COdictObject::isObject() const
+{
+    const unsigned int usage = objectUsage();
+    return (usage & NkrOdict::E_OU_OBJECT)
+        && !(usage & (NkrOdict::E_OU_PARAMETER | NkrOdict::E_OU_ACTUAL | NkrOdict::E_OU_DATABASE_PARAMETER));
+}
+
+bool COdictObject::isParameter() const { return d->objectUsage.testFlag(NkrOdict::E_OU_PARAMETER); }
+bool COdictObject::isActual() const { return d->objectUsage.testFlag(NkrOdict::E_OU_ACTUAL); }
+bool COdictObject::isDatabaseParameter() const { return d->objectUsage.testFlag(NkrOdict::E_OU_DATABASE_PARAMETER); }
+
+QList<unsigned int> COdictObject::subIdList() const { return d->subIdList; }
+void COdictObject::setSubIdList(const QList<unsigned int> &subIds) { d->subIdList = subIds; }
+int COdictObject::subIdCount() const { return d->subIdList.size(); }
+unsigned int COdictObject::highestSubId() const { return d->subIdList.isEmpty() ? kNone : d->subIdList.last(); }
+void COdictObject::clearSubIds() { d->subIdList.clear(); }
+void COdictObject::removeSubIdFromList(unsigned int subId) { d->subIdList.removeAll(subId); }
+
+void COdictObject::addSubId(unsigned int subId)
+{
+    const QList<unsigned int> &list = d.constData()->subIdList; // no detach for a duplicate
+    if (list.isEmpty() || subId > list.last()) {
+        d->subIdList.append(subId);
+        return;
+    }
+    const auto it = std::lower_bound(list.cbegin(), list.cend(), subId);
+    if (it != list.cend() && *it == subId)
+        return;
+    const int index = int(it - list.cbegin());
+    d->subIdList.insert(index, subId);
+}
+
+bool COdictObject::isVirtual() const { return d->isVirtual; }
+void COdictObject::setVirtual(bool isVirtual) { d->isVirtual = isVirtual; }
+
+bool COdictObject::couldHaveVirtualSubObjects() const
+{
+    return (hasBitSet() || d->dataType == NTypes::E_XY) && isValid();
+}
+
+QList<unsigned int> COdictObject::possibleVirtualSubIds() const
+{
+    if (hasBitSet())
+        return d->bitSetData.positions();
+    QList<unsigned int> ids;
+    const unsigned int elementSize = CDataTypeParser::typeSize(NTypes::E_I32);
+    if (d->dataType == NTypes::E_XY && elementSize != 0 && d->dataSize <= kMaxExpandedSize) {
+        const unsigned int count = d->dataSize / elementSize;
+        ids.reserve(int(count));
+        for (unsigned int i = 0; i < count; ++i)
+            ids.append(i);
+    }
+    return ids;
+}
+
+COdictObject COdictObject::createVirtualSubObject(const COdictObject &owner, unsigned int subId, bool *ok)
+{
+    COdictObject sub(owner);
+    const bool made = createVirtualSubObject(sub, subId);
+    if (ok)
+        *ok = made;
+    return made ? sub : COdictObject();
+}
+
+bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int subId)
+{
+    const COdictObject owner(target); // shares the record; target detaches below
+    const COdictObjectPrivate &o = *owner.d;
+
+    if (owner.hasBitSet()) {
+        if (!o.bitSetData.contains(subId))
+            return false;
+        const QString text = o.bitSetData.name(subId);
+        CVariant bitDefault(NTypes::E_BOOL);
+        if (!o.defaultValue.isNull()) {
+            const QByteArray bytes = o.defaultValue.toByteArray();
+            if (subId / 8 < unsigned(bytes.size()))
+                bitDefault = CVariant::fromU64(bitOf(bytes, subId) ? 1 : 0, NTypes::E_BOOL);
+        }
+        COdictObjectPrivate &p = *target.d;
+        p.name = text;
+        p.uiName = text;
+        p.uiShortName = text;
+        p.enumData = COdictObjectEnum();
+        p.bitSetData = COdictObjectBitSet();
+        p.dataType = NTypes::E_BOOL;
+        p.dataSize = 1;
+        p.arrayLength = 1;
+        p.minValue = CVariant(QStringLiteral("0"), NTypes::E_BOOL);
+        p.maxValue = CVariant(QStringLiteral("1"), NTypes::E_BOOL);
+        p.defaultValue = bitDefault;
+    } else if (o.dataType == NTypes::E_XY) {
+        const unsigned int elementSize = CDataTypeParser::typeSize(NTypes::E_I32);
+        if (elementSize == 0 || subId >= o.dataSize / elementSize)
+            return false;
+        // Elements alternate X, Y, X, Y...; each pair shares one number, counted from 1.
+        const bool isX = subId % 2 == 0;
+        const QString text = (isX ? QStringLiteral("X%1-Value") : QStringLiteral("Y%1-Value")).arg(subId / 2 + 1);
+        COdictObjectPrivate &p = *target.d;
+        p.name = text;
+        p.uiName = text;
+        p.uiShortName = text;
+        p.enumData = COdictObjectEnum();
+        p.dataType = NTypes::E_I32;
+        p.dataSize = elementSize;
+        p.arrayLength = 1;
+        if (!isX) {
+            p.minValue = o.yMinValue;
+            p.maxValue = o.yMaxValue;
+            p.defaultValue = o.yDefaultValue;
+            p.unit = o.yUnit;
+        }
+        p.yMinValue = CVariant();
+        p.yMaxValue = CVariant();
+        p.yDefaultValue = CVariant();
+        p.yUnit = kNone;
+    } else {
+        return false;
+    }
+
+    COdictObjectPrivate &p = *target.d;
+    p.subId = subId;
+    p.subIdList.clear();
+    p.isVirtual = true;
+    return true;
+}
+
+unsigned int COdictObject::idToDS402Id(unsigned int id)
+{
+    return id < 0x2000 ? id + 0x2000 : id;
+}
+
+unsigned int COdictObject::ds402IdToId(unsigned int ds402Id)
+{
+    return (ds402Id >= 0x2000 && ds402Id <= 0x2FFF) ? ds402Id - 0x2000 : ds402Id;
+}
+
+COdictObjectId COdictObject::ds402IdToUId(unsigned int ds402Id, unsigned int subId)
+{
+    return COdictObjectId(ds402IdToId(ds402Id), subId);
+}
+
+unsigned int COdictObject::uniqueIdToDS402Id(const COdictObjectId &id)
+{
+    return id.id() <= 0x1FFF ? id.id() + 0x2000 : id.id();
+}
+
+unsigned int COdictObject::uniqueIdToDS402Id(NkrObjectIds::eObjectId_t id)
+{
+    return uniqueIdToDS402Id(COdictObjectId(id));
+}
+
+QString COdictObject::infoWith(const QString &text) const
+{
+    const QString word = QCoreApplication::translate("COdictObject", "ID");
+    if (!isSubObject())
+        return QStringLiteral("%1 (%2 %3)").arg(text, word, QString::number(d->id));
+    return QStringLiteral("%1 (%2 %3:%4)")
+        .arg(text, word, QString::number(d->id), QStringLiteral("%1").arg(d->subId, 2, 10, QLatin1Char('0')));
+}
+
+QString COdictObject::longInfo() const { return infoWith(d->name); }
+QString COdictObject::uiLongInfo() const { return infoWith(d->uiName); }
+QString COdictObject::uiShortInfo() const { return infoWith(d->uiShortName); }
+
+QDataStream &operator<<(QDataStream &out, const COdictObject &object)
+{
+    const COdictObjectPrivate &p = *object.d;
+    const quint32 version = p.version.value;
+    out << p.refId << quint32(p.id) << quint32(p.subId)
+        << quint16(version & 0xFFFF) << qint8((version >> 16) & 0xFF) << qint8(version >> 24)
+        << quint32(p.ds402Id) << quint32(p.profinetId)
+        << p.name << p.uiName << p.uiShortName
+        << quint32(p.unit) << quint32(p.yUnit)
+        << quint32(p.dataType) << quint32(p.dataSize) << quint32(p.accessRights)
+        << quint32(p.arrayLength)
+        << quint32(p.userlevelRead) << quint32(p.userlevelWrite) << quint32(p.userlevelVisible)
+        << qint32(p.digits)
+        << p.enumData << p.bitSetData
+        << p.minValue << p.maxValue << p.defaultValue
+        << p.yMinValue << p.yMaxValue << p.yDefaultValue
+        << quint32(p.objectUsage)
+        << quint32(p.subIdList.size());
+    for (const unsigned int subId : p.subIdList)
+        out << quint32(subId);
+    out << p.isVirtual;
+    return out;
+}
+
+QDataStream &operator>>(QDataStream &in, COdictObject &object)
+{
+    COdictObjectPrivate &p = *object.d;
+    quint16 build = 0;
+    qint8 minor = 0;
+    qint8 main = 0;
+    quint32 dataType = 0;
+    quint32 accessRights = 0;
+    quint32 usage = 0;
+    in >> p.refId >> p.id >> p.subId >> build >> minor >> main
+        >> p.ds402Id >> p.profinetId
+        >> p.name >> p.uiName >> p.uiShortName
+        >> p.unit >> p.yUnit
+        >> dataType >> p.dataSize >> accessRights >> p.arrayLength
+        >> p.userlevelRead >> p.userlevelWrite >> p.userlevelVisible
+        >> p.digits
+        >> p.enumData >> p.bitSetData
+        >> p.minValue >> p.maxValue >> p.defaultValue
+        >> p.yMinValue >> p.yMaxValue >> p.yDefaultValue
+        >> usage;
+    p.version = NTypes::uVersion_t::fromParts(main, minor, build);
+    p.dataType = NTypes::eTypes_t(dataType);
+    p.accessRights = NkrOdict::AccessRightFlags(NkrOdict::eAccessRight_t(accessRights));
+    p.objectUsage = NkrOdict::ObjectUsageFlags(eObjectUsage_t(usage));
+
+    quint32 count = 0;
+    in >> count;
+    p.subIdList.clear();
+    // A corrupt count must not drive the loop: it ends as soon as the stream runs dry.
+    for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+        quint32 subId = 0;
+        in >> subId;
+        if (in.status() == QDataStream::Ok)
+            p.subIdList.append(subId);
+    }
+    in >> p.isVirtual;
+    return in;
+}
+
+QDebug operator<<(QDebug debug, const COdictObject &object)
+{
+    const QDebugStateSaver saver(debug);
+    debug.nospace().noquote() << "COdictObject( id=" << object.id() << ", subid=" << object.subId() << ", "
+                              << object.name() << ", NTypes::" << CDataTypeParser::typeToEnum(object.dataType())
+                              << " )";
+    return debug;
+}
