@@ -3,6 +3,7 @@
 #include "COdictEditorObject.h"
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -60,12 +61,15 @@ QString numberLiteral(const CVariant &value, const QString &fallback)
         const qint64 v = value.toI64(&ok);
         if (!ok)
             return fallback;
+        // The lowest values are no literals in C (the literal is the positive number, negated):
+        // write them as expressions.
         if (v == std::numeric_limits<qint64>::min())
             return QStringLiteral("(-9223372036854775807LL - 1)");
+        if (v == -2147483647LL - 1)
+            return QStringLiteral("(-2147483647 - 1)");
         if (v < -2147483647LL || v > 2147483647LL)
             return QString::number(v) + QLatin1String("LL");
-        // -2147483648 is not a literal in C: write it as an expression.
-        return v == -2147483647LL - 1 ? QStringLiteral("(-2147483647 - 1)") : QString::number(v);
+        return QString::number(v);
     }
     const quint64 u = value.toU64(&ok);
     if (!ok)

@@ -281,20 +281,20 @@ COdictObject COdictItem::toObject() const
 
 COdictValueObject COdictItem::toValueObject() const
 {
-    COdictValueObject result;
     if (const COdictValueObject *v = toValueObjectPtr())
-        result = *v;
-    else if (objectType() == E_OT_STD)
+        return *v; // a shared copy: lookups allocate nothing
+    COdictValueObject result;
+    if (objectType() == E_OT_STD)
         result = *m_object; // takes over the base attributes
     return result;
 }
 
 COdictParameterObject COdictItem::toParameterObject() const
 {
-    COdictParameterObject result;
     if (const COdictParameterObject *p = toParameterObjectPtr())
-        result = *p;
-    else if (objectType() == E_OT_STD)
+        return *p;
+    COdictParameterObject result;
+    if (objectType() == E_OT_STD)
         result = *m_object;
     return result;
 }

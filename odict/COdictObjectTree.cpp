@@ -114,9 +114,11 @@ COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *fro
             continue; // nodes without children never match, so objects and empty groups are skipped
         if (current->dataRef().name() == name)
             return current;
+        // Only groups are searched, plus the dictionary node that holds the top-level groups.
         const QList<COdictNode *> children = current->children();
         for (int i = children.size() - 1; i >= 0; --i) {
-            if (isGroup(children.at(i)))
+            const eItemType_t type = children.at(i)->dataRef().type();
+            if (type == E_IT_GROUP || type == E_IT_DICTIONARY)
                 pending.append(children.at(i));
         }
     }
@@ -144,21 +146,20 @@ unsigned int COdictObjectTree::highestId() const
 
 COdictObjectId COdictObjectTree::highestUId() const
 {
+    // The greatest valid id with its greatest real sub-id, or its own key without sub-objects.
+    // Keys order by their packed form, which puts every plain id before the sub-objects of ids
+    // from 1 up and the sub-objects of id 0 among the plain ids, so all keys are looked at.
     COdictObjectId result(0xFFFFFFFFu, 0xFFFFFFFFu);
-    for (auto it = m_idIndex.cend(); it != m_idIndex.cbegin();) {
-        --it;
+    for (auto it = m_idIndex.cbegin(); it != m_idIndex.cend(); ++it) {
         const COdictObjectId &key = it.key();
         if (!key.isValid())
             continue;
-        if (!result.isValid()) {
+        if (!result.isValid() || key.id() > result.id()) {
             result = key;
-            continue;
+        } else if (key.id() == result.id() && key.subId() != 0xFFFFFFFFu
+                   && (result.subId() == 0xFFFFFFFFu || key.subId() > result.subId())) {
+            result = key;
         }
-        if (key.id() < result.id())
-            break;
-        if (key.id() == result.id() && key.subId() != 0xFFFFFFFFu
-            && (result.subId() == 0xFFFFFFFFu || key.subId() >= result.subId()))
-            result = key;
     }
     return result;
 }
@@ -277,9 +278,11 @@ void COdictObjectTree::indexSubtree(COdictNode *node)
             m_idIndex.insert(item.objectPtr()->uniqueId(), current);
             m_nameIndex.insert(item.objectPtr()->uniqueName(), current);
         }
+        // Pre-order, as the nodes were registered: of nodes sharing a name, the later one keeps
+        // the name index entry, as in the tree that was copied.
         const QList<COdictNode *> children = current->children();
-        for (COdictNode *child : children)
-            pending.append(child);
+        for (int i = children.size() - 1; i >= 0; --i)
+            pending.append(children.at(i));
     }
 }
 
@@ -321,18 +324,21 @@ bool COdictObjectTree::replaceObjectOf(const X &object, const COdictObjectId &ol
         return false;
     COdictItem *item = target->dataPtr();
     const COdictObjectId to = object.uniqueId();
+    if (from != to && m_idIndex.value(to, nullptr))
+        return false; // the new id belongs to another node
+    // The item may refuse the object's kind; the indexes follow only an accepted object.
+    const COdictObjectName currentName = item->uniqueName();
+    if (!item->setObject(object))
+        return false;
     if (from != to) {
-        if (m_idIndex.value(to, nullptr))
-            return false; // the new id belongs to another node
         m_idIndex.remove(from);
         m_idIndex.insert(to, target);
     }
-    const COdictObjectName currentName = item->uniqueName();
     if (currentName != object.uniqueName()) {
         removeName(currentName, target);
         m_nameIndex.insert(object.uniqueName(), target);
     }
-    return item->setObject(object);
+    return true;
 }
 
 bool COdictObjectTree::replaceObject(const COdictObject &object, const COdictObjectId &oldId)

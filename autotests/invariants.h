@@ -1,0 +1,77 @@
+#pragma once
+
+#include "COdictItem.h"
+#include "COdictObject.h"
+#include "COdictObjectTree.h"
+
+#include <QMap>
+#include <QSet>
+#include <QVector>
+#include <QtTest>
+
+/// Walks \a tree and verifies that its two indexes agree with its nodes:
+/// - every child's parent link points at the node that holds it;
+/// - exactly the object and sub-object nodes that carry an object are in the id index, each
+///   under its object's uniqueId();
+/// - every name index entry points at an object node of this tree whose uniqueName() is the
+///   entry's key (with duplicate names the entry belongs to one of the nodes of that name), and
+///   every object node's uniqueName() has an entry;
+/// - no entry of either index points outside the tree, and the sizes agree.
+/// Failures are reported with QVERIFY/QCOMPARE; callers check QTest::currentTestFailed() afterwards.
+inline void checkIndexInvariants(const COdictObjectTree &tree)
+{
+    QVector<const COdictNode *> objectNodes;
+    QSet<const COdictNode *> objectNodeSet;
+    QSet<const COdictNode *> allNodes;
+
+    // Pre-order walk from the root.
+    QVector<const COdictNode *> pending{tree.rootNode()};
+    while (!pending.isEmpty()) {
+        const COdictNode *current = pending.takeLast();
+        QVERIFY2(!allNodes.contains(current), "a node is linked twice");
+        allNodes.insert(current);
+        const COdictItem &item = current->dataRef();
+        if (item.isObjectItem() && item.hasObject()) {
+            objectNodes.append(current);
+            objectNodeSet.insert(current);
+        }
+        const QList<COdictNode *> children = current->children();
+        for (int i = children.size() - 1; i >= 0; --i) {
+            QVERIFY2(children.at(i), "null child");
+            QVERIFY2(children.at(i)->parent() == current, "child with a wrong parent link");
+            pending.append(children.at(i));
+        }
+    }
+
+    const COdictObjectTree::IdIndex &ids = tree.idIndex();
+    const COdictObjectTree::NameIndex &names = tree.nameIndex();
+
+    // Id index: one entry per object node, each under that node's own unique id.
+    for (const COdictNode *node : qAsConst(objectNodes)) {
+        const COdictObjectId uid = node->dataRef().objectPtr()->uniqueId();
+        QVERIFY2(ids.value(uid, nullptr) == node,
+                 qPrintable(QStringLiteral("id index does not map %1 to its node").arg(uid.toStr(QStringLiteral("0x")))));
+    }
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it) {
+        QVERIFY2(objectNodeSet.contains(it.value()),
+                 qPrintable(QStringLiteral("id index entry %1 points outside the tree's object nodes")
+                                .arg(it.key().toStr(QStringLiteral("0x")))));
+    }
+    QCOMPARE(ids.size(), objectNodes.size());
+
+    // Name index: every object node's name is present; every entry points at a node of that name.
+    QMap<COdictObjectName, int> distinctNames;
+    for (const COdictNode *node : qAsConst(objectNodes)) {
+        const COdictObjectName name = node->dataRef().uniqueName();
+        distinctNames.insert(name, 0);
+        QVERIFY2(names.contains(name),
+                 qPrintable(QStringLiteral("name index lacks %1").arg(name.mergedName())));
+    }
+    for (auto it = names.cbegin(); it != names.cend(); ++it) {
+        QVERIFY2(objectNodeSet.contains(it.value()),
+                 qPrintable(QStringLiteral("name index entry %1 points outside the tree's object nodes")
+                                .arg(it.key().mergedName())));
+        QCOMPARE(it.value()->dataRef().uniqueName().mergedName(), it.key().mergedName());
+    }
+    QCOMPARE(names.size(), distinctNames.size());
+}
