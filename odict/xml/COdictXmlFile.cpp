@@ -130,7 +130,12 @@ public:
         if (parts.size() > 2)
             warn(QCoreApplication::translate("Odict", "<%1> (line %2) holds %3 values; only the first two (X and Y) are used.")
                      .arg(QLatin1String(fieldTags[f])).arg(t.line).arg(parts.size()));
-        if (!parts.isEmpty()) {
+        if (parts.isEmpty()) {
+            // An empty text is how a null value is stored: a null value of the object's type,
+            // the same as a missing limit of a complex type.
+            x = CVariant(type);
+            hasX = true;
+        } else {
             x = part(parts.at(0), partType, f, t.line);
             hasX = true;
         }
@@ -413,6 +418,40 @@ void readDataStructures(QXmlStreamReader &reader, COdictDataStructure &list, con
 
 // ---- writing ----
 
+/// \a text without the characters XML 1.0 cannot carry (control characters other than tab,
+/// line feed and carriage return, U+FFFE, U+FFFF, unpaired surrogates). The stream writer refuses
+/// them, which would make the whole dictionary unsavable because of one text.
+QString xmlText(const QString &text)
+{
+    const auto allowed = [](ushort u) {
+        return u >= 0x20 ? u != 0xFFFE && u != 0xFFFF : u == 0x09 || u == 0x0A || u == 0x0D;
+    };
+    const int size = text.size();
+    int i = 0;
+    while (i < size && allowed(text.at(i).unicode()) && !text.at(i).isSurrogate())
+        ++i;
+    if (i == size)
+        return text; // the usual case: nothing to drop, no copy
+    QString clean = text.left(i);
+    for (; i < size; ++i) {
+        const QChar c = text.at(i);
+        if (c.isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate()) {
+            clean += c;
+            clean += text.at(++i);
+        } else if (!c.isSurrogate() && allowed(c.unicode())) {
+            clean += c;
+        }
+    }
+    return clean;
+}
+
+CXMLMetaData xmlMeta(CXMLMetaData meta)
+{
+    meta.setAuthor(xmlText(meta.author()));
+    meta.setComment(xmlText(meta.comment()));
+    return meta;
+}
+
 QString hex(quint32 value)
 {
     return QStringLiteral("0x%1").arg(value, 0, 16);
@@ -505,14 +544,14 @@ void writeFields(W &w, const COdictObject &o)
 /// The writer interface writeFields needs, over a QXmlStreamWriter.
 struct sStreamSink_t {
     QXmlStreamWriter &x;
-    void text(const char *tag, const QString &value) { x.writeTextElement(QLatin1String(tag), value); }
+    void text(const char *tag, const QString &value) { x.writeTextElement(QLatin1String(tag), xmlText(value)); }
     void start(const char *tag) { x.writeStartElement(QLatin1String(tag)); }
     void end() { x.writeEndElement(); }
     void entry(const char *tag, const char *key, const QString &keyValue, const QString &value)
     {
         x.writeStartElement(QLatin1String(tag));
         x.writeAttribute(QLatin1String(key), keyValue);
-        x.writeCharacters(value);
+        x.writeCharacters(xmlText(value));
         x.writeEndElement();
     }
 };
@@ -521,12 +560,12 @@ struct sStreamSink_t {
 struct sDomSink_t {
     CDomDoc &doc;
     QList<QDomElement> open;
-    void text(const char *tag, const QString &value) { doc.addSubElement(open.last(), QLatin1String(tag), value); }
+    void text(const char *tag, const QString &value) { doc.addSubElement(open.last(), QLatin1String(tag), xmlText(value)); }
     void start(const char *tag) { open.append(doc.addSubElement(open.last(), QLatin1String(tag))); }
     void end() { open.removeLast(); }
     void entry(const char *tag, const char *key, const QString &keyValue, const QString &value)
     {
-        QDomElement e = doc.addSubElement(open.last(), QLatin1String(tag), value);
+        QDomElement e = doc.addSubElement(open.last(), QLatin1String(tag), xmlText(value));
         e.setAttribute(QLatin1String(key), keyValue);
     }
 };
@@ -545,21 +584,25 @@ void writeDataStructures(QXmlStreamWriter &x, const COdictDataStructure &list)
     for (const COdictDataStructure::SDataStructure_t &s : list.list()) {
         x.writeStartElement(QStringLiteral("DataStructure"));
         x.writeAttribute(QStringLiteral("id"), QString::number(s.id));
-        x.writeTextElement(QStringLiteral("Name"), s.name);
-        x.writeTextElement(QStringLiteral("UiName"), s.uiName);
-        x.writeTextElement(QStringLiteral("Description"), s.description);
+        x.writeTextElement(QStringLiteral("Name"), xmlText(s.name));
+        x.writeTextElement(QStringLiteral("UiName"), xmlText(s.uiName));
+        x.writeTextElement(QStringLiteral("Description"), xmlText(s.description));
         for (const COdictDataStructure::SDataStructureMember_t &m : s.members) {
             x.writeStartElement(QStringLiteral("Member"));
-            x.writeAttribute(QStringLiteral("type"), m.cType);
-            x.writeAttribute(QStringLiteral("name"), m.name);
+            x.writeAttribute(QStringLiteral("type"), xmlText(m.cType));
+            x.writeAttribute(QStringLiteral("name"), xmlText(m.name));
             x.writeAttribute(QStringLiteral("source"), COdictDataStructure::sourceToStr(m.source));
-            x.writeCharacters(m.literal);
+            x.writeCharacters(xmlText(m.literal));
             x.writeEndElement();
         }
         x.writeEndElement();
     }
     x.writeEndElement();
 }
+
+/// Nesting levels of the tree that are indented. Deeper levels are written without line breaks
+/// and indentation, which would otherwise make the file size grow with the square of the depth.
+constexpr int indentedLevels = 32;
 
 /// Writes the children of \a top, depth first without recursion.
 void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
@@ -571,6 +614,7 @@ void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
     };
     QVector<sFrame_t> stack{{top, 0, 0}};
     while (!stack.isEmpty()) {
+        x.setAutoFormatting(stack.size() <= indentedLevels);
         sFrame_t &frame = stack.last();
         if (frame.next >= frame.node->childCount()) {
             for (int i = 0; i < frame.openElements; ++i)
@@ -598,8 +642,8 @@ void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
             }
         } else if (item.type() == E_IT_GROUP) {
             x.writeStartElement(QStringLiteral("Group"));
-            x.writeTextElement(QStringLiteral("Name"), item.name());
-            x.writeTextElement(QStringLiteral("UiName"), item.uiName());
+            x.writeTextElement(QStringLiteral("Name"), xmlText(item.name()));
+            x.writeTextElement(QStringLiteral("UiName"), xmlText(item.uiName()));
             stack.append({child, 0, 1});
         }
     }
@@ -790,18 +834,19 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
     x.writeStartDocument();
     x.writeStartElement(documentType);
     x.writeAttribute(QStringLiteral("version"), formatVersion);
-    writeHeader(x, meta);
+    writeHeader(x, xmlMeta(meta));
     const COdictNode *dictionary = tree.dictionaryNode();
-    x.writeTextElement(QStringLiteral("Name"), dictionary ? dictionary->dataRef().name() : QString());
+    x.writeTextElement(QStringLiteral("Name"), dictionary ? xmlText(dictionary->dataRef().name()) : QString());
     if (withDocumentData) {
         x.writeStartElement(QStringLiteral("History"));
         for (const CXMLMetaData &record : tree.history().list())
-            writeHeader(x, record);
+            writeHeader(x, xmlMeta(record));
         x.writeEndElement();
         writeDataStructures(x, tree.dataStructures());
     }
     if (dictionary)
         writeChildren(x, dictionary);
+    x.setAutoFormatting(true);
     x.writeEndElement();
     x.writeEndDocument();
     if (x.hasError() || !file.commit()) {
@@ -902,10 +947,15 @@ int COdictObjectTree::load(const QString &fileName, const QString &documentType)
 int COdictObjectTree::save(const QString &fileName)
 {
     COdictXmlFile writer(m_log);
+    int result;
     if (objectType() == E_OT_PARAMETER) {
         const CXMLMetaData meta(QDate::currentDate(), QTime::currentTime(), QStringLiteral("veltrasuite4"),
                                 QStringLiteral("Values of all parameter setzt."), m_metaData.version());
-        return writer.write(*this, fileName, COdictXmlFile::parameterSetType, meta, false);
+        result = writer.write(*this, fileName, COdictXmlFile::parameterSetType, meta, false);
+    } else {
+        result = writer.write(*this, fileName, COdictXmlFile::dictionaryType, m_metaData, true);
     }
-    return writer.write(*this, fileName, COdictXmlFile::dictionaryType, m_metaData, true);
+    if (result == 0)
+        m_fileName = fileName; // the dictionary now lives in the file it was saved to
+    return result;
 }
