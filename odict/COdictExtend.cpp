@@ -114,7 +114,8 @@ bool COdictExtendEditPrivate::setValueObject(const COdictValueObject &object)
             return result;
         for (unsigned int subId : object.subIdList()) {
             const COdictNode *node = tree->node(COdictObjectId(object.id(), subId));
-            if (!node)
+            // Stored sub-objects keep their own values; only virtual ones mirror the owner.
+            if (!node || !node->dataRef().hasVirtualObject())
                 continue;
             COdictValueObject sub = node->dataRef().toValueObject();
             bool ok = false;

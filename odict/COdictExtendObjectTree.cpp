@@ -52,6 +52,7 @@ COdictExtendObjectTree::~COdictExtendObjectTree() = default;
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
 {
+    dropVirtualSubObjectsFor(object);
     bool created = false;
     COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
     if (created)
@@ -63,6 +64,7 @@ COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object,
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
 {
+    dropVirtualSubObjectsFor(object);
     bool created = false;
     COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
     if (created)
@@ -74,6 +76,7 @@ COdictNode *COdictExtendObjectTree::createObjectNode(const COdictValueObject &ob
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
 {
+    dropVirtualSubObjectsFor(object);
     bool created = false;
     COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
     if (created)
@@ -85,6 +88,7 @@ COdictNode *COdictExtendObjectTree::createObjectNode(const COdictEditorObject &o
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
 {
+    dropVirtualSubObjectsFor(object);
     bool created = false;
     COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
     if (created)
@@ -111,6 +115,28 @@ void COdictExtendObjectTree::addVirtualSubObjectsOf(COdictNode *node, X &owner, 
         }
         node->appendChild(child);
         owner.addSubId(subId);
+    }
+}
+
+void COdictExtendObjectTree::dropVirtualSubObjectsFor(const COdictObject &stored)
+{
+    // The reader registers an object before its stored sub-objects, so its virtual sub-objects
+    // already exist when the first stored one arrives. Stored sub-objects take precedence: the
+    // virtual ones would share their sub-ids and get them refused as duplicates.
+    if (!stored.isSubObject() || stored.isVirtual())
+        return;
+    COdictNode *owner = node(COdictObjectId(stored.id()));
+    COdictObject *ownerObject = owner && owner->hasData() ? owner->dataPtr()->objectPtr() : nullptr;
+    if (!ownerObject)
+        return;
+    const QList<COdictNode *> children = owner->children();
+    for (COdictNode *child : children) {
+        const COdictObject *sub = child->dataRef().objectPtr();
+        if (!sub || !sub->isVirtual())
+            continue;
+        ownerObject->removeSubIdFromList(sub->subId());
+        unindexSubtree(child);
+        owner->removeChild(child);
     }
 }
 

@@ -24,6 +24,9 @@ public:
     COdictNode *createObjectNode(const COdictParameterObject &object, NkrOdict::eItemType_t type, bool *ok) override;
 
 private:
+    /// Removes the virtual sub-objects of the owner of \a stored, a stored sub-object about to
+    /// be registered: an object with stored sub-objects has no virtual ones.
+    void dropVirtualSubObjectsFor(const COdictObject &stored);
     /// Adds the virtual sub-objects the filter asks for below a freshly built node.
     void addVirtualSubObjects(COdictNode *node);
     template <class X>
