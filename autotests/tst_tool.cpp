@@ -2,6 +2,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -142,6 +143,74 @@ private slots:
                                       QStringLiteral("--version"), QStringLiteral("1.0.0"), QStringLiteral("--db"), db,
                                       QStringLiteral("-o"), narrowed});
         QCOMPARE(unknown.exitCode, 2);
+    }
+
+    void demoHeaderCompilesAsC_data()
+    {
+        QTest::addColumn<QStringList>("defines");
+        QTest::newRow("declarations") << QStringList();
+        QTest::newRow("definitions") << QStringList{QStringLiteral("-DINCLUDED_FROM_ODICT_C")};
+    }
+
+    void demoHeaderCompilesAsC()
+    {
+        QFETCH(QStringList, defines);
+        if (QStandardPaths::findExecutable(QStringLiteral("gcc")).isEmpty())
+            QSKIP("gcc is not installed");
+        const QString header = m_dir.filePath(QStringLiteral("odict_demo_drive.h"));
+        QCOMPARE(odict({QStringLiteral("export"), QStringLiteral("header"), demo(), QStringLiteral("-o"), header}).exitCode, 0);
+        const QString source = m_dir.filePath(QStringLiteral("firmware.c"));
+        QFile file(source);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write("#include \"demo_drive_stub.h\"\n#include \"odict_demo_drive.h\"\n");
+        file.close();
+        QProcess gcc;
+        gcc.setProcessChannelMode(QProcess::MergedChannels);
+        gcc.start(QStringLiteral("gcc"), QStringList{QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-Werror"),
+                                                     QStringLiteral("-I") + QFileInfo(QFINDTESTDATA("data/demo_drive_stub.h")).absolutePath(),
+                                                     QStringLiteral("-I") + m_dir.path(), QStringLiteral("-c"), source,
+                                                     QStringLiteral("-o"), m_dir.filePath(QStringLiteral("firmware.o"))} + defines);
+        QVERIFY(gcc.waitForFinished(120000));
+        QVERIFY2(gcc.exitCode() == 0, gcc.readAll().constData());
+    }
+
+    void exportsArePinnedBySourceDateEpoch()
+    {
+        // Two exports on different days give the same bytes when the build pins the date.
+        qputenv("SOURCE_DATE_EPOCH", "1700000000"); // 2023-11-14
+        const QString first = m_dir.filePath(QStringLiteral("pinned1"));
+        const QString second = m_dir.filePath(QStringLiteral("pinned2"));
+        for (const QString &kind : {QStringLiteral("ids"), QStringLiteral("translation")}) {
+            QCOMPARE(odict({QStringLiteral("export"), kind, demo(), QStringLiteral("-o"), first}).exitCode, 0);
+            QCOMPARE(odict({QStringLiteral("export"), kind, demo(), QStringLiteral("-o"), second}).exitCode, 0);
+        }
+        qunsetenv("SOURCE_DATE_EPOCH");
+        const QByteArray ids = contents(QDir(first).filePath(QStringLiteral("NkrObjectIds.h")));
+        QVERIFY(ids.contains(" * @date    14.11.2023"));
+        QCOMPARE(contents(QDir(second).filePath(QStringLiteral("NkrObjectIds.h"))), ids);
+        QCOMPARE(contents(QDir(second).filePath(QStringLiteral("NkrOdictTranslate.h"))),
+                 contents(QDir(first).filePath(QStringLiteral("NkrOdictTranslate.h"))));
+    }
+
+    void valuesRoundTrip_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("current values") << QStringList() << QStringLiteral("PWM_FREQUENCY = 2 8 kHz");
+        QTest::newRow("parameter sets") << QStringList{QStringLiteral("--parameters"), QStringLiteral("--sets"), QStringLiteral("3")}
+                                        << QStringLiteral("PWM_FREQUENCY[2] = 8 kHz");
+    }
+
+    void valuesRoundTrip()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QString, expected);
+        const QString data = m_dir.filePath(QStringLiteral("values.xml"));
+        QCOMPARE(odict(QStringList{QStringLiteral("values"), QStringLiteral("export"), demo(), QStringLiteral("-o"), data} + options).exitCode, 0);
+        const sRun_t run = odict(QStringList{QStringLiteral("values"), QStringLiteral("import"), demo(), data} + options);
+        QVERIFY2(run.exitCode == 0, qPrintable(run.output));
+        QVERIFY2(run.output.contains(expected), qPrintable(run.output));
+        QVERIFY(run.output.contains(QLatin1String(", 0 not in the dictionary")));
     }
 
     void unknownCommandIsAUsageError()

@@ -306,7 +306,7 @@ CVariant::CVariant(const QString &text, NTypes::eTypes_t type) : m_type(type)
     case Storage::Bytes:
         if (type == NTypes::E_XY) {
             const QStringList parts = trimmed.split(QLatin1Char(';'));
-            qint64 x, y;
+            qint64 x = 0, y = 0;
             if (parts.size() == 2 && parseSigned(parts[0].trimmed(), std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max(), x)
                 && parseSigned(parts[1].trimmed(), std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max(), y)) {
                 m_value = toLittleEndian(quint64(x), 4) + toLittleEndian(quint64(y), 4);
