@@ -150,7 +150,8 @@ COdict::COdict(eObjectType_t kind, ICLogfile *log, QObject *parent)
 
 COdict::COdict(COdictPrivate &dd, QObject *parent) : QObject(parent), d_ptr(&dd) {}
 
-COdict::COdict(const COdict &other) : QObject(other.parent()), d_ptr(new COdictPrivate(this))
+// The copy has no QObject parent: a copy made on the stack must not be deleted by the source's parent.
+COdict::COdict(const COdict &other) : QObject(nullptr), d_ptr(new COdictPrivate(this))
 {
     Q_D(COdict);
     const COdictPrivate *o = other.d_func();

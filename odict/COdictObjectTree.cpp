@@ -107,6 +107,8 @@ COdictNode *COdictObjectTree::findNodeByRefId(const QUuid &refId) const
 
 COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *from) const
 {
+    if (name.isEmpty())
+        return nullptr; // the root and unnamed nodes are not addressable by name
     QVector<COdictNode *> pending{from ? from : m_root};
     while (!pending.isEmpty()) {
         COdictNode *current = pending.takeLast();
