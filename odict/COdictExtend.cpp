@@ -44,6 +44,24 @@ bool NOdictExtend::hasVirtualSubObjects(const COdictObjectTree *tree, const COdi
     return false;
 }
 
+void NOdictExtend::setObjectFilter(COdictObjectTree *tree, VirtualObjectFlags filter)
+{
+    if (COdictExtendObjectTree *extended = extendTree(tree))
+        extended->setObjectFilter(filter);
+}
+
+VirtualObjectFlags NOdictExtend::objectFilter(const COdictObjectTree *tree)
+{
+    const COdictExtendObjectTree *extended = extendTree(tree);
+    return extended ? extended->objectFilter() : VirtualObjectFlags();
+}
+
+bool NOdictExtend::hasVirtualSubObjects(const COdictObjectTree *tree, const COdictObjectId &id)
+{
+    const COdictObject *object = tree ? tree->objectPtr(id) : nullptr;
+    return object && hasVirtualSubObjects(tree, *object);
+}
+
 // ---- COdictExtend ----
 
 COdictObjectTree *COdictExtendPrivate::newTree(eObjectType_t kind) const
@@ -70,14 +88,12 @@ COdictExtend::~COdictExtend() = default;
 
 void COdictExtend::setObjectFilter(VirtualObjectFlags filter)
 {
-    if (COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree()))
-        tree->setObjectFilter(filter);
+    NOdictExtend::setObjectFilter(objectTree(), filter);
 }
 
 VirtualObjectFlags COdictExtend::objectFilter() const
 {
-    const COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree());
-    return tree ? tree->objectFilter() : VirtualObjectFlags();
+    return NOdictExtend::objectFilter(objectTree());
 }
 
 bool COdictExtend::hasVirtualSubObjects(const COdictObject &object) const
@@ -87,8 +103,7 @@ bool COdictExtend::hasVirtualSubObjects(const COdictObject &object) const
 
 bool COdictExtend::hasVirtualSubObjects(const COdictObjectId &id) const
 {
-    const COdictObject *object = objectPtr(id);
-    return object && hasVirtualSubObjects(*object);
+    return NOdictExtend::hasVirtualSubObjects(objectTree(), id);
 }
 
 // ---- COdictExtendEdit ----
@@ -152,14 +167,12 @@ COdictExtendEdit::~COdictExtendEdit() = default;
 
 void COdictExtendEdit::setObjectFilter(VirtualObjectFlags filter)
 {
-    if (COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree()))
-        tree->setObjectFilter(filter);
+    NOdictExtend::setObjectFilter(objectTree(), filter);
 }
 
 VirtualObjectFlags COdictExtendEdit::objectFilter() const
 {
-    const COdictExtendObjectTree *tree = NOdictExtend::extendTree(objectTree());
-    return tree ? tree->objectFilter() : VirtualObjectFlags();
+    return NOdictExtend::objectFilter(objectTree());
 }
 
 bool COdictExtendEdit::hasVirtualSubObjects(const COdictObject &object) const
@@ -169,8 +182,7 @@ bool COdictExtendEdit::hasVirtualSubObjects(const COdictObject &object) const
 
 bool COdictExtendEdit::hasVirtualSubObjects(const COdictObjectId &id) const
 {
-    const COdictObject *object = objectPtr(id);
-    return object && hasVirtualSubObjects(*object);
+    return NOdictExtend::hasVirtualSubObjects(objectTree(), id);
 }
 
 bool COdictExtendEdit::hasVirtualSubObjects(const COdictValueObject &object) const

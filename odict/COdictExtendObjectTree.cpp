@@ -50,7 +50,8 @@ COdictExtendObjectTree::COdictExtendObjectTree(const COdictExtendObjectTree &oth
 
 COdictExtendObjectTree::~COdictExtendObjectTree() = default;
 
-COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
+template <class X>
+COdictNode *COdictExtendObjectTree::createExtendedNode(const X &object, eItemType_t type, bool *ok)
 {
     dropVirtualSubObjectsFor(object);
     bool created = false;
@@ -60,42 +61,26 @@ COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object,
     if (ok)
         *ok = created;
     return node;
+}
+
+COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
+{
+    return createExtendedNode(object, type, ok);
 }
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
 {
-    dropVirtualSubObjectsFor(object);
-    bool created = false;
-    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
-    if (created)
-        addVirtualSubObjects(node);
-    if (ok)
-        *ok = created;
-    return node;
+    return createExtendedNode(object, type, ok);
 }
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
 {
-    dropVirtualSubObjectsFor(object);
-    bool created = false;
-    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
-    if (created)
-        addVirtualSubObjects(node);
-    if (ok)
-        *ok = created;
-    return node;
+    return createExtendedNode(object, type, ok);
 }
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
 {
-    dropVirtualSubObjectsFor(object);
-    bool created = false;
-    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
-    if (created)
-        addVirtualSubObjects(node);
-    if (ok)
-        *ok = created;
-    return node;
+    return createExtendedNode(object, type, ok);
 }
 
 template <class X>

@@ -30,6 +30,8 @@ private:
     /// Adds the virtual sub-objects the filter asks for below a freshly built node.
     void addVirtualSubObjects(COdictNode *node);
     template <class X>
+    COdictNode *createExtendedNode(const X &object, NkrOdict::eItemType_t type, bool *ok);
+    template <class X>
     void addVirtualSubObjectsOf(COdictNode *node, X &owner, const QList<unsigned int> &subIds);
 
     NkrOdict::VirtualObjectFlags m_filter;

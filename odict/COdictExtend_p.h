@@ -14,6 +14,9 @@ COdictObjectTree *copyTree(const COdictObjectTree &tree);
 COdictExtendObjectTree *extendTree(COdictObjectTree *tree);
 const COdictExtendObjectTree *extendTree(const COdictObjectTree *tree);
 bool hasVirtualSubObjects(const COdictObjectTree *tree, const COdictObject &object);
+bool hasVirtualSubObjects(const COdictObjectTree *tree, const COdictObjectId &id);
+void setObjectFilter(COdictObjectTree *tree, NkrOdict::VirtualObjectFlags filter);
+NkrOdict::VirtualObjectFlags objectFilter(const COdictObjectTree *tree);
 } // namespace NOdictExtend
 
 class KRODICT_EXPORT COdictExtendPrivate : public COdictPrivate

@@ -1,5 +1,7 @@
 #include "COdictObjectBitSet.h"
 
+#include "COdictTextMap_p.h"
+
 #include <QDataStream>
 #include <QDebug>
 
@@ -30,11 +32,7 @@ bool COdictObjectBitSet::contains(const unsigned int &pos) const
 
 bool COdictObjectBitSet::contains(const QString &name) const
 {
-    for (const QString &text : m_map) {
-        if (text == name)
-            return true;
-    }
-    return false;
+    return NOdictTextMap::containsText(m_map, name);
 }
 
 QString COdictObjectBitSet::name(const unsigned int &pos, bool *ok) const
@@ -48,18 +46,7 @@ QString COdictObjectBitSet::name(const unsigned int &pos, bool *ok) const
 
 unsigned int COdictObjectBitSet::pos(const QString &name, bool *ok) const
 {
-    // From the highest position down: the first match is the last one in ascending order.
-    for (auto it = m_map.constEnd(); it != m_map.constBegin();) {
-        --it;
-        if (it.value() == name) {
-            if (ok)
-                *ok = true;
-            return it.key();
-        }
-    }
-    if (ok)
-        *ok = false;
-    return 0xFFFFFFFFu;
+    return NOdictTextMap::lastKeyWithText(m_map, name, 0xFFFFFFFFu, ok);
 }
 
 COdictObjectBitSet::sOdictObjectBitData_t COdictObjectBitSet::bit(int pos) const

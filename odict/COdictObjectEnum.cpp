@@ -1,5 +1,7 @@
 #include "COdictObjectEnum.h"
 
+#include "COdictTextMap_p.h"
+
 #include <QDataStream>
 #include <QDebug>
 
@@ -30,11 +32,7 @@ bool COdictObjectEnum::contains(const long long &value) const
 
 bool COdictObjectEnum::contains(const QString &name) const
 {
-    for (const QString &text : m_map) {
-        if (text == name)
-            return true;
-    }
-    return false;
+    return NOdictTextMap::containsText(m_map, name);
 }
 
 QString COdictObjectEnum::name(const long long &value, bool *ok) const
@@ -48,18 +46,7 @@ QString COdictObjectEnum::name(const long long &value, bool *ok) const
 
 long long COdictObjectEnum::value(const QString &name, bool *ok) const
 {
-    // From the largest value down: the first match is the last one in ascending order.
-    for (auto it = m_map.constEnd(); it != m_map.constBegin();) {
-        --it;
-        if (it.value() == name) {
-            if (ok)
-                *ok = true;
-            return it.key();
-        }
-    }
-    if (ok)
-        *ok = false;
-    return -1;
+    return NOdictTextMap::lastKeyWithText(m_map, name, static_cast<long long>(-1), ok);
 }
 
 QStringList COdictObjectEnum::names() const

@@ -240,32 +240,32 @@ COdictNode *COdictObjectTree::registerNode(COdictItem *item, bool *ok)
     return created;
 }
 
-COdictNode *COdictObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
+template <class X>
+COdictNode *COdictObjectTree::createNodeOf(const X &object, eItemType_t type, bool *ok)
 {
     auto *item = new COdictItem(object);
     item->setType(type);
     return registerNode(item, ok);
+}
+
+COdictNode *COdictObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
+{
+    return createNodeOf(object, type, ok);
 }
 
 COdictNode *COdictObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
 {
-    auto *item = new COdictItem(object);
-    item->setType(type);
-    return registerNode(item, ok);
+    return createNodeOf(object, type, ok);
 }
 
 COdictNode *COdictObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
 {
-    auto *item = new COdictItem(object);
-    item->setType(type);
-    return registerNode(item, ok);
+    return createNodeOf(object, type, ok);
 }
 
 COdictNode *COdictObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
 {
-    auto *item = new COdictItem(object);
-    item->setType(type);
-    return registerNode(item, ok);
+    return createNodeOf(object, type, ok);
 }
 
 void COdictObjectTree::indexSubtree(COdictNode *node)

@@ -150,6 +150,8 @@ protected:
 private:
     template <class X>
     bool replaceObjectOf(const X &object, const COdictObjectId &oldId);
+    template <class X>
+    COdictNode *createNodeOf(const X &object, NkrOdict::eItemType_t type, bool *ok);
 
     NkrOdict::eObjectType_t m_kind;
     ICLogfile *m_log;
