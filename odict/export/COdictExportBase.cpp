@@ -3,6 +3,7 @@
 #include "COdict.h"
 #include "COdictEditorObject.h"
 #include "COdictObjectTree.h"
+#include "CSaveFile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -86,12 +87,9 @@ bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList 
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
         return false;
-    if (file.write(bytes) != bytes.size()) {
+    if (file.write(bytes) != bytes.size())
         file.cancelWriting();
-        file.commit();
-        return false;
-    }
-    return file.commit();
+    return CSaveFile::commit(file);
 }
 
 QString COdictExportBasePrivate::targetPath(const QString &directory, const QString &fileName)

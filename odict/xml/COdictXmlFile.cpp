@@ -9,6 +9,7 @@
 #include "COdictObjectTree.h"
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
+#include "CSaveFile.h"
 #include "CStr.h"
 
 #include <QCoreApplication>
@@ -849,7 +850,9 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
     x.setAutoFormatting(true);
     x.writeEndElement();
     x.writeEndDocument();
-    if (x.hasError() || !file.commit()) {
+    if (x.hasError())
+        file.cancelWriting();
+    if (!CSaveFile::commit(file)) {
         m_error = QCoreApplication::translate("Odict", "Cannot write '%1': %2").arg(fileName, file.errorString());
         return 2;
     }

@@ -1,6 +1,7 @@
 #include "CXmlAbstractKiroFile.h"
 
 #include "CMessageBoardHelper.h"
+#include "CSaveFile.h"
 #include "CStr.h"
 
 #include <QFile>
@@ -10,6 +11,8 @@
 #include <QTextCodec>
 #include <QTextStream>
 #include <QXmlStreamReader>
+#include <QMap>
+#include <QVector>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -24,6 +27,58 @@ const QString kVersionAttribute = QStringLiteral("version");
 const QString kDateFormat = QStringLiteral("yyyy-MM-dd");
 const QString kTimeFormat = QStringLiteral("HH:mm:ss");
 const QString kUtf8 = QStringLiteral("UTF-8");
+
+/// Writes \a doc with its attributes in name order and without recursion. QDomDocument::save
+/// writes attributes in hash order, which changes from run to run; files written from the same
+/// document must be the same bytes.
+void writeDocument(QXmlStreamWriter &writer, const QDomDocument &doc)
+{
+    writer.setAutoFormatting(true);
+    writer.setAutoFormattingIndent(2);
+    writer.writeStartDocument();
+    struct sFrame_t {
+        QDomNode node;
+        bool opened;
+    };
+    QVector<sFrame_t> pending{{doc.documentElement(), false}};
+    while (!pending.isEmpty()) {
+        sFrame_t frame = pending.takeLast();
+        if (frame.opened) {
+            writer.writeEndElement();
+            continue;
+        }
+        const QDomNode &node = frame.node;
+        if (node.isElement()) {
+            const QDomElement element = node.toElement();
+            const bool empty = !element.hasChildNodes();
+            if (empty)
+                writer.writeEmptyElement(element.tagName());
+            else
+                writer.writeStartElement(element.tagName());
+            const QDomNamedNodeMap attributes = element.attributes();
+            QMap<QString, QString> sorted;
+            for (int i = 0; i < attributes.count(); ++i) {
+                const QDomAttr attribute = attributes.item(i).toAttr();
+                sorted.insert(attribute.name(), attribute.value());
+            }
+            for (auto it = sorted.cbegin(); it != sorted.cend(); ++it)
+                writer.writeAttribute(it.key(), it.value());
+            if (empty)
+                continue;
+            pending.append({node, true});
+            // Children are pushed last to first so that the first is written first.
+            for (QDomNode child = node.lastChild(); !child.isNull(); child = child.previousSibling())
+                pending.append({child, false});
+        } else if (node.isCDATASection()) {
+            writer.writeCDATA(node.nodeValue());
+        } else if (node.isText()) {
+            writer.writeCharacters(node.nodeValue());
+        } else if (node.isComment()) {
+            writer.writeComment(node.nodeValue());
+        }
+    }
+    writer.writeEndDocument();
+}
 
 QString dateText(const QDate &date) { return date.isValid() ? date.toString(kDateFormat) : QString(); }
 QString timeText(const QTime &time) { return time.isValid() ? time.toString(kTimeFormat) : QString(); }
@@ -177,15 +232,13 @@ bool CXmlAbstractKiroFile::save(const QString &fileName, const QString &encoding
         return false;
     }
     {
-        QTextStream stream(&file);
-        stream.setCodec(codec);
-        // The declaration is written from the stream's codec, so it always names the bytes written.
-        doc.save(stream, 2, QDomNode::EncodingFromTextStream);
-        stream.flush();
-        if (stream.status() != QTextStream::Ok)
+        QXmlStreamWriter writer(&file);
+        writer.setCodec(codec); // the declaration names the codec, so it always names the bytes written
+        writeDocument(writer, doc);
+        if (writer.hasError())
             file.cancelWriting();
     }
-    if (!file.commit()) {
+    if (!CSaveFile::commit(file)) {
         CMessageBoardHelper::setWarning(
             QStringLiteral("Cannot save '%1': %2").arg(fileName, file.errorString()), m_log);
         return false;
