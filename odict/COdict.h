@@ -17,6 +17,8 @@
 #include <QStringList>
 #include <QUuid>
 
+#include <type_traits>
+
 class CDeviceData;
 class COdictObject;
 class COdictValueObject;
@@ -26,8 +28,24 @@ class COdictObjectTree;
 class COdictPrivate;
 class ICLogfile;
 
+// Any integer type other than the two of the key forms: up to 32 bits an id, 64 bits a packed id.
+// Without it a plain int literal (node(0x2000)) would be ambiguous between the two forms.
+template <class T>
+using KrOdictOtherInteger = std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>
+                                             && !std::is_same_v<T, unsigned int> && !std::is_same_v<T, unsigned long long>, int>;
+#define KRODICT_INTEGER_KEY(fn, CONST)                                      \
+    template <class T, KrOdictOtherInteger<T> = 0>                          \
+    auto fn(T id) CONST /* deduced, so R may be incomplete here */          \
+    {                                                                       \
+        if constexpr (sizeof(T) == 8)                                       \
+            return fn(static_cast<unsigned long long>(id));                 \
+        else                                                                \
+            return fn(static_cast<unsigned int>(id));                       \
+    }
+
 // Declares one lookup family for every key form: three id forms, three packed forms, three name forms.
 #define KRODICT_LOOKUP_FAMILY(R, fn)                                        \
+    KRODICT_INTEGER_KEY(fn, const)                                          \
     R fn(const COdictObjectId &uid) const;                                  \
     R fn(unsigned int id, unsigned int subId) const;                        \
     R fn(unsigned int id) const;                                            \
@@ -39,6 +57,7 @@ class ICLogfile;
     R fn(const QString &name, unsigned int subId) const;
 
 #define KRODICT_LOOKUP_FAMILY_MUTABLE(R, fn)                                \
+    KRODICT_INTEGER_KEY(fn, )                                               \
     R fn(const COdictObjectId &uid);                                        \
     R fn(unsigned int id, unsigned int subId);                              \
     R fn(unsigned int id);                                                  \
@@ -130,6 +149,7 @@ public:
     bool contains(unsigned int id) const;
     bool contains(unsigned long long packed) const;
     bool contains(NkrObjectIds::eObjectId_t id) const;
+    KRODICT_INTEGER_KEY(contains, const)
 
 protected:
     COdict(COdictPrivate &dd, QObject *parent); // derived dictionaries pass their own private
