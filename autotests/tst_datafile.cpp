@@ -42,6 +42,20 @@ void setStorage(COdictObject &object, NTypes::eTypes_t type, uint size)
     object.setArrayLength(elements >= 2 ? elements : 1);
 }
 
+/// Id, name, type, size and array length of \a o as one text, "0x20/0x1 N U16 2x1".
+QString shape(const COdictObject &o)
+{
+    return QStringList{QStringLiteral("0x%1/0x%2").arg(o.id(), 0, 16).arg(o.subId(), 0, 16), o.name(),
+                       CDataTypeParser::typeToStr(o.dataType()), QStringLiteral("%1x%2").arg(o.dataSize()).arg(o.arrayLength())}
+        .join(QLatin1Char(' '));
+}
+
+/// The usage and units of \a o, "usage 4 units 12/7".
+QString usageAndUnits(const COdictObject &o)
+{
+    return QStringLiteral("usage %1 units %2/%3").arg(o.objectUsage()).arg(o.unit()).arg(o.yUnit());
+}
+
 bool writeFile(const QString &path, const QString &text)
 {
     QFile file(path);
@@ -55,8 +69,6 @@ class tst_DataFile : public QObject
     Q_OBJECT
 
 private slots:
-    void idAttributes_data();
-    void idAttributes();
     void valueRoundTrip_data();
     void valueRoundTrip();
     void erasedMemoryBecomesTerminator_data();
@@ -67,9 +79,8 @@ private slots:
     void valueRecords();
     void parameterRecords_data();
     void parameterRecords();
-    void nestedRecordsAreReadOnce();
+    void nestedAndRepeatedRecords();
     void deepNestingDoesNotExhaustStack();
-    void mapKeepsLaterRecordOfSameId();
     void otherVersionsLoad_data();
     void otherVersionsLoad();
     void fileLayout();
@@ -78,41 +89,6 @@ private slots:
 private:
     QTemporaryDir m_dir;
 };
-
-void tst_DataFile::idAttributes_data()
-{
-    QTest::addColumn<uint>("id");
-    QTest::addColumn<uint>("subId");
-    QTest::addColumn<QString>("idText");
-    QTest::addColumn<QString>("subIdText");
-
-    QTest::newRow("sub-object 0") << 0x2001u << 0u << "0x00002001" << "0x00000000";
-    QTest::newRow("lower-case digits") << 0xABCDEF12u << 0x1Fu << "0xabcdef12" << "0x0000001f";
-    QTest::newRow("no sub-id") << 0x10u << none << "0x00000010" << "0xffffffff";
-}
-
-void tst_DataFile::idAttributes()
-{
-    QFETCH(uint, id);
-    QFETCH(uint, subId);
-    QFETCH(QString, idText);
-    QFETCH(QString, subIdText);
-
-    COdictValueObject object;
-    object.setId(COdictObjectId(id, subId));
-    setStorage(object, NTypes::E_U8, 1);
-    COdictDataFile file;
-    QVERIFY(file.create(COdictDataFile::fileType, COdictDataFile::fileVersion, CXMLMetaData()));
-    QVERIFY(file.setObjects(QList<COdictValueObject>{object}));
-
-    const QDomElement record = file.documentElement().firstChildElement("Data").firstChildElement("Object");
-    QCOMPARE(record.attribute("id"), idText);
-    QCOMPARE(record.attribute("subid"), subIdText);
-    QList<COdictValueObject> read;
-    QVERIFY(file.objects(read));
-    QCOMPARE(read.size(), 1);
-    QCOMPARE(read[0].uniqueId(), COdictObjectId(id, subId));
-}
 
 void tst_DataFile::valueRoundTrip_data()
 {
@@ -124,7 +100,6 @@ void tst_DataFile::valueRoundTrip_data()
 
     const QByteArray bytes = QByteArray::fromHex("01020aff");
     QTest::newRow("U8") << int(NTypes::E_U8) << 1u << QVariant(200u) << "200" << QVariant(qulonglong(200));
-    QTest::newRow("I16") << int(NTypes::E_I16) << 2u << QVariant(-1234) << "-1234" << QVariant(qlonglong(-1234));
     QTest::newRow("I32 minimum") << int(NTypes::E_I32) << 4u << QVariant(qlonglong(-2147483648LL))
                                  << "-2147483648" << QVariant(qlonglong(-2147483648LL));
     QTest::newRow("U32 maximum") << int(NTypes::E_U32) << 4u << QVariant(0xFFFFFFFFu) << "4294967295"
@@ -151,7 +126,7 @@ void tst_DataFile::valueRoundTrip()
     QFETCH(QVariant, readBack);
 
     COdictValueObject object;
-    object.setId(COdictObjectId(0x2100u, 3u));
+    object.setId(COdictObjectId(0xABCDEF12u, 0x1Fu));
     object.setName("SPEED_LIMIT");
     setStorage(object, NTypes::eTypes_t(type), size);
     object.setObjectUsage(4u);
@@ -163,22 +138,18 @@ void tst_DataFile::valueRoundTrip()
     COdictDataFile writer;
     QVERIFY(writer.saveValues(path, {object}, "tool", "2.0"));
     const QDomElement record = writer.documentElement().firstChildElement("Data").firstChildElement("Object");
+    // Ids as eight lower-case hexadecimal digits.
+    QCOMPARE(record.attribute("id"), QStringLiteral("0xabcdef12"));
+    QCOMPARE(record.attribute("subid"), QStringLiteral("0x0000001f"));
     QCOMPARE(record.firstChildElement("Value").text(), text);
 
-    COdictDataFile reader;
     QList<COdictValueObject> read;
     QString error;
-    QVERIFY2(reader.loadValues(path, read, &error), qPrintable(error));
+    QVERIFY2(COdictDataFile().loadValues(path, read, &error), qPrintable(error));
     QCOMPARE(read.size(), 1);
     const COdictValueObject &back = read[0];
-    QCOMPARE(back.uniqueId(), object.uniqueId());
-    QCOMPARE(back.name(), object.name());
-    QCOMPARE(back.dataType(), object.dataType());
-    QCOMPARE(back.dataSize(), size);
-    QCOMPARE(back.arrayLength(), object.arrayLength());
-    QCOMPARE(back.objectUsage(), 4u);
-    QCOMPARE(back.unit(), 12u);
-    QCOMPARE(back.yUnit(), 7u);
+    QCOMPARE(shape(back), shape(object));
+    QCOMPARE(usageAndUnits(back), QStringLiteral("usage 4 units 12/7"));
     QCOMPARE(back.currentValue(), readBack);
 }
 
@@ -278,11 +249,7 @@ void tst_DataFile::valueRecords_data()
 {
     QTest::addColumn<QString>("record");
     QTest::addColumn<bool>("ok");
-    QTest::addColumn<uint>("id");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("type");
-    QTest::addColumn<uint>("size");
-    QTest::addColumn<uint>("arrayLength");
+    QTest::addColumn<QString>("shape");
     QTest::addColumn<QVariant>("value");
 
     const auto record = [](const QString &type, const QString &size, const QString &value) {
@@ -291,47 +258,34 @@ void tst_DataFile::valueRecords_data()
                  size.isNull() ? QString() : "<Size>" + size + "</Size>",
                  value.isNull() ? QString() : "<Value>" + value + "</Value>");
     };
-    const int u8 = NTypes::E_U8;
     const QString noSize;
-    QTest::newRow("complete") << record("U16", "2", "513") << true << 0x20u << "N" << int(NTypes::E_U16) << 2u
-                              << 1u << QVariant(qulonglong(513));
-    QTest::newRow("missing attributes")
-        << "<Object><Type>U8</Type><Value>5</Value></Object>" << true << none << "" << u8 << 1u << 1u
-        << QVariant(qulonglong(5));
-    QTest::newRow("no Size takes the type's size") << record("U32", noSize, "5") << true << 0x20u << "N"
-                                                   << int(NTypes::E_U32) << 4u << 1u << QVariant(qulonglong(5));
-    QTest::newRow("Size of four elements") << record("U16", "8", "0100020003000400") << true << 0x20u << "N"
-                                           << int(NTypes::E_U16) << 8u << 4u
+    const QVariant five(qulonglong(5));
+    QTest::newRow("complete") << record("U16", "2", "513") << true << "0x20/0x1 N U16 2x1" << QVariant(qulonglong(513));
+    QTest::newRow("missing attributes") << "<Object><Type>U8</Type><Value>5</Value></Object>" << true
+                                        << "0xffffffff/0xffffffff  U8 1x1" << five;
+    QTest::newRow("no Size takes the type's size") << record("U32", noSize, "5") << true << "0x20/0x1 N U32 4x1" << five;
+    QTest::newRow("Size of four elements") << record("U16", "8", "0100020003000400") << true << "0x20/0x1 N U16 8x4"
                                            << QVariant(QByteArray::fromHex("0100020003000400"));
-    QTest::newRow("Size 0") << record("U8", "0", "5") << true << 0x20u << "N" << u8 << 0u << 1u
-                            << QVariant(qulonglong(5));
-    QTest::newRow("no Value") << record("U8", "1", QString()) << true << 0x20u << "N" << u8 << 1u << 1u << QVariant();
-    QTest::newRow("empty array text") << record("U8", "4", "") << true << 0x20u << "N" << u8 << 4u << 4u << QVariant();
-    QTest::newRow("unknown type name") << record("FOO", "4", "5") << false << 0x20u << "N" << 0 << 4u << 1u
-                                       << QVariant();
-    QTest::newRow("no Type") << record(QString(), "4", "5") << false << 0x20u << "N" << 0 << 4u << 1u << QVariant();
-    QTest::newRow("300 for U8") << record("U8", "1", "300") << false << 0x20u << "N" << u8 << 1u << 1u << QVariant();
-    QTest::newRow("odd-length array text") << record("U8", "4", "01020") << false << 0x20u << "N" << u8 << 4u << 4u
-                                           << QVariant();
-    QTest::newRow("non-hex array text") << record("U8", "4", "01zz0304") << false << 0x20u << "N" << u8 << 4u << 4u
-                                        << QVariant();
-    QTest::newRow("non-Latin-1 array text") << record("U8", "2", QString::fromUtf8("0\u4e2d")) << false << 0x20u
-                                            << "N" << u8 << 2u << 2u << QVariant();
-    QTest::newRow("unreadable Size") << record("U32", "big", "5") << false << 0x20u << "N" << int(NTypes::E_U32)
-                                     << 4u << 1u << QVariant(qulonglong(5));
+    QTest::newRow("Size 0") << record("U8", "0", "5") << true << "0x20/0x1 N U8 0x1" << five;
+    QTest::newRow("no Value") << record("U8", "1", QString()) << true << "0x20/0x1 N U8 1x1" << QVariant();
+    QTest::newRow("empty array text") << record("U8", "4", "") << true << "0x20/0x1 N U8 4x4" << QVariant();
+    QTest::newRow("unknown type name") << record("FOO", "4", "5") << false << "0x20/0x1 N UNKNOWN 4x1" << QVariant();
+    QTest::newRow("no Type") << record(QString(), "4", "5") << false << "0x20/0x1 N UNKNOWN 4x1" << QVariant();
+    QTest::newRow("300 for U8") << record("U8", "1", "300") << false << "0x20/0x1 N U8 1x1" << QVariant();
+    QTest::newRow("odd-length array text") << record("U8", "4", "01020") << false << "0x20/0x1 N U8 4x4" << QVariant();
+    QTest::newRow("non-hex array text") << record("U8", "4", "01zz0304") << false << "0x20/0x1 N U8 4x4" << QVariant();
+    QTest::newRow("non-Latin-1 array text") << record("U8", "2", QString::fromUtf8("0\u4e2d")) << false
+                                            << "0x20/0x1 N U8 2x2" << QVariant();
+    QTest::newRow("unreadable Size") << record("U32", "big", "5") << false << "0x20/0x1 N U32 4x1" << five;
     QTest::newRow("unreadable id") << "<Object id=\"0xZZ\"><Type>U8</Type><Value>5</Value></Object>" << false
-                                   << none << "" << u8 << 1u << 1u << QVariant(qulonglong(5));
+                                   << "0xffffffff/0xffffffff  U8 1x1" << five;
 }
 
 void tst_DataFile::valueRecords()
 {
     QFETCH(QString, record);
     QFETCH(bool, ok);
-    QFETCH(uint, id);
-    QFETCH(QString, name);
-    QFETCH(int, type);
-    QFETCH(uint, size);
-    QFETCH(uint, arrayLength);
+    QFETCH(QString, shape);
     QFETCH(QVariant, value);
 
     const QScopedPointer<COdictDataFile> file(parsed(documentText(record)));
@@ -339,14 +293,9 @@ void tst_DataFile::valueRecords()
     QList<COdictValueObject> read;
     QCOMPARE(file->objects(read), ok);
     QCOMPARE(read.size(), 1);
-    QCOMPARE(read[0].id(), id);
-    QCOMPARE(read[0].name(), name);
-    QCOMPARE(int(read[0].dataType()), type);
-    QCOMPARE(read[0].dataSize(), size);
-    QCOMPARE(read[0].arrayLength(), arrayLength);
+    QCOMPARE(::shape(read[0]), shape);
     QCOMPARE(read[0].currentValue(), value);
-    QCOMPARE(read[0].objectUsage(), 0u);
-    QCOMPARE(read[0].unit(), 0u);
+    QCOMPARE(usageAndUnits(read[0]), QStringLiteral("usage 0 units 0/0"));
 }
 
 void tst_DataFile::parameterRecords_data()
@@ -391,14 +340,17 @@ void tst_DataFile::parameterRecords()
     QCOMPARE(read[0].values(), values);
 }
 
-void tst_DataFile::nestedRecordsAreReadOnce()
+void tst_DataFile::nestedAndRepeatedRecords()
 {
+    // Records nested in records or groups are read once each; of two records with one id the map
+    // keeps the later.
     const QScopedPointer<COdictDataFile> file(parsed(documentText(
-        "<Object id=\"1\"><Name>A</Name><Type>U8</Type>"
+        "<Object id=\"1\"><Name>A</Name><Type>U8</Type><Param><Value id=\"0\">1</Value></Param>"
         "  <Object id=\"2\"><Name>B</Name><Type>U8</Type>"
         "    <Object id=\"3\"><Name>C</Name><Type>U8</Type></Object></Object>"
         "  <Group><Object id=\"4\"><Name>D</Name><Type>U8</Type></Object></Group></Object>"
-        "<Object id=\"5\"><Name>E</Name><Type>U8</Type></Object>")));
+        "<Object id=\"1\" subid=\"0x1\"><Name>E</Name><Type>U8</Type><Param><Value id=\"0\">2</Value></Param></Object>"
+        "<Object id=\"1\"><Name>F</Name><Type>U8</Type><Param><Value id=\"0\">3</Value></Param></Object>")));
     QVERIFY(file);
 
     QList<COdictValueObject> values;
@@ -406,12 +358,18 @@ void tst_DataFile::nestedRecordsAreReadOnce()
     QStringList names;
     for (const COdictValueObject &object : qAsConst(values))
         names << object.name();
-    QCOMPARE(names, QStringList({"A", "B", "C", "D", "E"}));
+    QCOMPARE(names, QStringList({"A", "B", "C", "D", "E", "F"}));
+    QList<COdictParameterObject> list;
+    QVERIFY(file->objects(list));
+    QCOMPARE(list.size(), 6);
 
     QMap<COdictObjectId, COdictParameterObject> map;
     QVERIFY(file->objects(map));
     QCOMPARE(map.size(), 5);
     QCOMPARE(map.value(COdictObjectId(3u)).name(), QStringLiteral("C"));
+    QCOMPARE(map.value(COdictObjectId(1u)).name(), QStringLiteral("F"));
+    QCOMPARE(map.value(COdictObjectId(1u)).value(0), QVariant(qulonglong(3)));
+    QCOMPARE(map.value(COdictObjectId(1u, 1u)).value(0), QVariant(qulonglong(2)));
 }
 
 void tst_DataFile::deepNestingDoesNotExhaustStack()
@@ -439,25 +397,6 @@ void tst_DataFile::deepNestingDoesNotExhaustStack()
     QCOMPARE(read.size(), depth);
     QCOMPARE(read.first().id(), 0u);
     QCOMPARE(read.last().id(), uint(depth - 1));
-}
-
-void tst_DataFile::mapKeepsLaterRecordOfSameId()
-{
-    const QScopedPointer<COdictDataFile> file(parsed(documentText(
-        "<Object id=\"0x10\"><Type>U8</Type><Param><Value id=\"0\">1</Value></Param></Object>"
-        "<Object id=\"0x10\" subid=\"0x1\"><Type>U8</Type><Param><Value id=\"0\">2</Value></Param></Object>"
-        "<Object id=\"0x10\"><Type>U8</Type><Param><Value id=\"0\">3</Value></Param></Object>")));
-    QVERIFY(file);
-
-    QMap<COdictObjectId, COdictParameterObject> map;
-    QVERIFY(file->objects(map));
-    QCOMPARE(map.size(), 2);
-    QCOMPARE(map.value(COdictObjectId(0x10u)).value(0), QVariant(qulonglong(3)));
-    QCOMPARE(map.value(COdictObjectId(0x10u, 1u)).value(0), QVariant(qulonglong(2)));
-
-    QList<COdictParameterObject> list;
-    QVERIFY(file->objects(list));
-    QCOMPARE(list.size(), 3);
 }
 
 void tst_DataFile::otherVersionsLoad_data()
@@ -506,15 +445,17 @@ void tst_DataFile::fileLayout()
     const QDomElement root = dom.documentElement();
     QCOMPARE(root.tagName(), QStringLiteral("KiroDataFile"));
     QCOMPARE(root.attribute("version"), QStringLiteral("1.0.0"));
-    QStringList tags;
-    for (QDomElement e = root.firstChildElement(); !e.isNull(); e = e.nextSiblingElement())
-        tags << e.tagName();
-    QCOMPARE(tags, QStringList({"Header", "Application", "Data"}));
-    tags.clear();
-    for (QDomElement e = root.firstChildElement("Data").firstChildElement("Object").firstChildElement(); !e.isNull();
-         e = e.nextSiblingElement())
-        tags << e.tagName();
-    QCOMPARE(tags, QStringList({"Name", "Type", "Size", "ObjectUsage", "Value", "Unit", "Y-Unit"}));
+    const auto childTags = [](const QDomElement &parent) {
+        QStringList tags;
+        for (QDomElement e = parent.firstChildElement(); !e.isNull(); e = e.nextSiblingElement())
+            tags << e.tagName();
+        return tags;
+    };
+    QCOMPARE(childTags(root), QStringList({"Header", "Application", "Data"}));
+    const QDomElement record = root.firstChildElement("Data").firstChildElement("Object");
+    QCOMPARE(childTags(record), QStringList({"Name", "Type", "Size", "ObjectUsage", "Value", "Unit", "Y-Unit"}));
+    QCOMPARE(record.attribute("id"), QStringLiteral("0x00002001"));
+    QCOMPARE(record.attribute("subid"), QStringLiteral("0xffffffff"));
 
     const COdictDataFile reader(CDomDoc(dom), nullptr);
     QCOMPARE(reader.applicationName(), QStringLiteral("Commissioning"));

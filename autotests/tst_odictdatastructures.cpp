@@ -8,48 +8,26 @@
 
 using Structure = COdictDataStructure::SDataStructure_t;
 using Member = COdictDataStructure::SDataStructureMember_t;
+using D = COdictDataStructure;
 
 Q_DECLARE_METATYPE(COdictDataStructure::eMemberSource_t)
 
 namespace {
 
-Structure structure(int id, const QString &name, const QString &uiName)
-{
-    Structure s;
-    s.id = id;
-    s.name = name;
-    s.uiName = uiName;
-    s.description = name + QStringLiteral(" text");
-    s.members.append(Member{QStringLiteral("uint32_t"), QStringLiteral("id"), COdictDataStructure::E_MS_ID, QString()});
-    return s;
-}
-
 // Ids 4 "first", 0 "zero", 7 "seven", 4 "second", -2 "negative".
+const Structure samples[] = {
+    {"A", "first", "text", 4, {Member{"uint32_t", "id", D::E_MS_ID, QString()}}},
+    {"Z", "zero", "", 0, {}},
+    {"S", "seven", "", 7, {}},
+    {"B", "second", "", 4, {}},
+    {"N", "negative", "", -2, {}}};
+
 COdictDataStructure sampleList()
 {
     COdictDataStructure list;
-    list.append(structure(4, QStringLiteral("A"), QStringLiteral("first")));
-    list.append(structure(0, QStringLiteral("Z"), QStringLiteral("zero")));
-    list.append(structure(7, QStringLiteral("S"), QStringLiteral("seven")));
-    list.append(structure(4, QStringLiteral("B"), QStringLiteral("second")));
-    list.append(structure(-2, QStringLiteral("N"), QStringLiteral("negative")));
+    for (const Structure &s : samples)
+        list.append(s);
     return list;
-}
-
-COdictEditorObject editorObject(uint id, uint subId = 0xFFFFFFFFu)
-{
-    COdictEditorObject object;
-    object.setId(id);
-    object.setSubId(subId);
-    object.setName(QStringLiteral("Speed"));
-    return object;
-}
-
-COdictEditorObject withMin(const CVariant &value)
-{
-    COdictEditorObject object = editorObject(0x2000u);
-    object.setMinValue(value);
-    return object;
 }
 
 CXMLMetaData version(quint32 value, const QString &author)
@@ -72,81 +50,49 @@ class tst_OdictDataStructures : public QObject
     Q_OBJECT
 
 private slots:
-    void lookupsById_data();
     void lookupsById();
-    void idToUiNameMapTakesTheLaterEntry();
     void initialValue_data();
     void initialValue();
     void sourceKeywords();
-
     void historyReplacesInPlace_data();
     void historyReplacesInPlace();
-    void historyIndexOfVersion();
 };
-
-void tst_OdictDataStructures::lookupsById_data()
-{
-    QTest::addColumn<int>("id");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("uiName");
-
-    QTest::newRow("shared id answers the first entry") << 4 << "A" << "first";
-    QTest::newRow("id 0 is found") << 0 << "Z" << "zero";
-    QTest::newRow("single entry") << 7 << "S" << "seven";
-    QTest::newRow("negative id") << -2 << "N" << "negative";
-    QTest::newRow("missing id") << 5 << "" << "";
-}
 
 void tst_OdictDataStructures::lookupsById()
 {
-    QFETCH(int, id);
-    QFETCH(QString, name);
-    QFETCH(QString, uiName);
-
-    const COdictDataStructure list = sampleList();
-    const Structure found = list.data(id);
-    QCOMPARE(found.name, name);
-    QCOMPARE(found.uiName, uiName);
-    QCOMPARE(list.findUiName(id), uiName);
-    if (name.isEmpty()) {
-        QVERIFY(found == Structure());
-        QCOMPARE(found.id, 0);
-        QVERIFY(found.members.isEmpty());
-    } else {
-        QCOMPARE(found.id, id);
-        QCOMPARE(found.members.size(), 1);
-    }
-}
-
-void tst_OdictDataStructures::idToUiNameMapTakesTheLaterEntry()
-{
     COdictDataStructure list = sampleList();
-    const QMap<int, QString> expected{{4, QStringLiteral("second")}, {7, QStringLiteral("seven")}};
-    QCOMPARE(list.idToUiNameMap(), expected);
-    QCOMPARE(list.size(), 5);
-    QCOMPARE(list.at(3).name, QStringLiteral("B"));
+    // Entry 3 shares its id with entry 0, so the lookups answer entry 0; ids 0 and -2 are found as well.
+    for (const int index : {0, 1, 2, 4}) {
+        const int id = samples[index].id;
+        QVERIFY2(list.data(id) == samples[index], qPrintable(QString::number(id)));
+        QCOMPARE(list.findUiName(id), samples[index].uiName);
+    }
+    QVERIFY(list.data(5) == Structure());
+    QCOMPARE(list.findUiName(5), QString());
 
+    // The map has only positive ids; of a shared id the later entry wins.
+    QCOMPARE(list.idToUiNameMap(), (QMap<int, QString>{{4, QStringLiteral("second")}, {7, QStringLiteral("seven")}}));
     list.append(list.at(0)); // duplicates are kept
-    QCOMPARE(list.size(), 6);
     QCOMPARE(list.idToUiNameMap().value(4), QStringLiteral("first"));
     list.clear();
-    QCOMPARE(list.size(), 0);
     QVERIFY(list.idToUiNameMap().isEmpty());
 }
 
 void tst_OdictDataStructures::initialValue_data()
 {
-    using D = COdictDataStructure;
     QTest::addColumn<D::eMemberSource_t>("source");
-    QTest::addColumn<QString>("literal");
     QTest::addColumn<COdictEditorObject>("object");
     QTest::addColumn<QString>("expected");
 
-    const COdictEditorObject plain = editorObject(0x2001u);
-    COdictEditorObject rich = editorObject(0xABu, 0x1Fu);
+    COdictEditorObject plain;
+    plain.setId(0x2001u);
+    plain.setName(QStringLiteral("Speed"));
+    COdictEditorObject rich = plain;
+    rich.setId(0xABu);
+    rich.setSubId(0x1Fu);
     rich.setDataType(NTypes::E_U16);
     rich.setDataSize(8);
-    rich.setArrayLength(4);
+    rich.setArrayLength(3);
     rich.setAccessRights(0xAAu);
     rich.setObjectUsage(0x82u);
     rich.setUserlevelRead(2);
@@ -155,71 +101,66 @@ void tst_OdictDataStructures::initialValue_data()
     rich.setFwVariablename(QStringLiteral("g_speed"));
     rich.setFwFunctionname(QStringLiteral("speedAccess"));
 
-    QTest::newRow("literal") << D::E_MS_LITERAL << "NULL" << plain << "NULL";
-    QTest::newRow("id") << D::E_MS_ID << "" << plain << "0x00002001U";
-    QTest::newRow("id with hex letters") << D::E_MS_ID << "" << rich << "0x000000ABU";
-    QTest::newRow("sub-id") << D::E_MS_SUBID << "" << rich << "0x1FU";
-    QTest::newRow("without sub-id") << D::E_MS_SUBID << "" << plain << "0xFFFFFFFFU";
-    QTest::newRow("data type") << D::E_MS_DATATYPE << "" << rich << "4U";
-    QTest::newRow("data size") << D::E_MS_DATASIZE << "" << rich << "8U";
-    QTest::newRow("array length") << D::E_MS_ARRAYLENGTH << "" << rich << "4U";
-    QTest::newRow("access rights") << D::E_MS_ACCESSRIGHTS << "" << rich << "0x000000AAU";
-    QTest::newRow("object usage") << D::E_MS_OBJECTUSAGE << "" << rich << "0x82U";
-    QTest::newRow("user level read") << D::E_MS_USERLEVEL_READ << "" << rich << "2U";
-    QTest::newRow("user level write") << D::E_MS_USERLEVEL_WRITE << "" << rich << "5U";
-    QTest::newRow("name escaped") << D::E_MS_NAME << "" << rich << "\"Sp\\\"e\\\\d\"";
-    QTest::newRow("firmware variable") << D::E_MS_FW_VARIABLE << "NULL" << rich << "&g_speed";
-    QTest::newRow("no firmware variable") << D::E_MS_FW_VARIABLE << "NULL" << plain << "NULL";
-    QTest::newRow("firmware function") << D::E_MS_FW_FUNCTION << "0" << rich << "speedAccess";
-    QTest::newRow("no firmware function") << D::E_MS_FW_FUNCTION << "0" << plain << "0";
+    QTest::newRow("literal") << D::E_MS_LITERAL << plain << "FB";
+    QTest::newRow("id with hex letters") << D::E_MS_ID << rich << "0x000000ABU";
+    QTest::newRow("sub-id") << D::E_MS_SUBID << rich << "0x1FU";
+    QTest::newRow("without sub-id") << D::E_MS_SUBID << plain << "0xFFFFFFFFU";
+    QTest::newRow("data type") << D::E_MS_DATATYPE << rich << "4U";
+    QTest::newRow("data size") << D::E_MS_DATASIZE << rich << "8U";
+    QTest::newRow("array length") << D::E_MS_ARRAYLENGTH << rich << "3U";
+    QTest::newRow("access rights") << D::E_MS_ACCESSRIGHTS << rich << "0x000000AAU";
+    QTest::newRow("object usage") << D::E_MS_OBJECTUSAGE << rich << "0x82U";
+    QTest::newRow("user level read") << D::E_MS_USERLEVEL_READ << rich << "2U";
+    QTest::newRow("user level write") << D::E_MS_USERLEVEL_WRITE << rich << "5U";
+    QTest::newRow("name escaped") << D::E_MS_NAME << rich << "\"Sp\\\"e\\\\d\"";
+    QTest::newRow("firmware variable") << D::E_MS_FW_VARIABLE << rich << "&g_speed";
+    QTest::newRow("no firmware variable") << D::E_MS_FW_VARIABLE << plain << "FB";
+    QTest::newRow("firmware function") << D::E_MS_FW_FUNCTION << rich << "speedAccess";
+    QTest::newRow("no firmware function") << D::E_MS_FW_FUNCTION << plain << "FB";
 
     // Limits and defaults are C numbers of their type, or the literal when there is none.
-    QTest::newRow("no minimum") << D::E_MS_MIN << "0" << plain << "0";
-    QTest::newRow("signed minimum") << D::E_MS_MIN << "0" << withMin(CVariant::fromI64(-5, NTypes::E_I32)) << "-5";
-    QTest::newRow("lowest 32-bit") << D::E_MS_MIN << "0"
-                                   << withMin(CVariant::fromI64(std::numeric_limits<qint32>::min(), NTypes::E_I32))
-                                   << "(-2147483647 - 1)";
-    QTest::newRow("lowest 64-bit") << D::E_MS_MIN << "0"
-                                   << withMin(CVariant::fromI64(std::numeric_limits<qint64>::min(), NTypes::E_I64))
-                                   << "(-9223372036854775807LL - 1)";
-    QTest::newRow("wide signed") << D::E_MS_MIN << "0" << withMin(CVariant::fromI64(-3000000000LL, NTypes::E_I64))
-                                 << "-3000000000LL";
-    QTest::newRow("unsigned") << D::E_MS_MIN << "0" << withMin(CVariant::fromU64(4294967295ULL, NTypes::E_U32))
-                              << "4294967295U";
-    QTest::newRow("wide unsigned") << D::E_MS_MIN << "0" << withMin(CVariant::fromU64(4294967296ULL, NTypes::E_U64))
-                                   << "4294967296ULL";
-    QTest::newRow("double") << D::E_MS_MIN << "0" << withMin(CVariant::fromF64(1.5, NTypes::E_F64)) << "1.5";
-    QTest::newRow("whole double") << D::E_MS_MIN << "0" << withMin(CVariant::fromF64(2.0, NTypes::E_F64)) << "2.0";
-    QTest::newRow("float") << D::E_MS_MIN << "0" << withMin(CVariant::fromF64(-0.5, NTypes::E_F32)) << "-0.5f";
-
-    COdictEditorObject limits = editorObject(0x2000u);
-    limits.setMaxValue(CVariant::fromI64(100, NTypes::E_I16));
-    limits.setDefaultValue(CVariant::fromU64(7, NTypes::E_U8));
-    QTest::newRow("maximum") << D::E_MS_MAX << "0" << limits << "100";
-    QTest::newRow("default") << D::E_MS_DEFAULT << "0" << limits << "7U";
+    rich.setMaxValue(CVariant::fromI64(100, NTypes::E_I16));
+    rich.setDefaultValue(CVariant::fromU64(7, NTypes::E_U8));
+    QTest::newRow("maximum") << D::E_MS_MAX << rich << "100";
+    QTest::newRow("default") << D::E_MS_DEFAULT << rich << "7U";
+    QTest::newRow("no minimum") << D::E_MS_MIN << plain << "FB";
+    const auto minimum = [&](const char *row, const CVariant &value, const char *expected) {
+        COdictEditorObject object = plain;
+        object.setMinValue(value);
+        QTest::newRow(row) << D::E_MS_MIN << object << QString::fromLatin1(expected);
+    };
+    using L32 = std::numeric_limits<qint32>;
+    using L64 = std::numeric_limits<qint64>;
+    minimum("signed", CVariant::fromI64(-5, NTypes::E_I32), "-5");
+    minimum("lowest 32-bit", CVariant::fromI64(L32::min(), NTypes::E_I32), "(-2147483647 - 1)");
+    minimum("lowest 64-bit", CVariant::fromI64(L64::min(), NTypes::E_I64), "(-9223372036854775807LL - 1)");
+    minimum("wide signed", CVariant::fromI64(-3000000000LL, NTypes::E_I64), "-3000000000LL");
+    minimum("unsigned", CVariant::fromU64(4294967295ULL, NTypes::E_U32), "4294967295U");
+    minimum("wide unsigned", CVariant::fromU64(4294967296ULL, NTypes::E_U64), "4294967296ULL");
+    minimum("whole double", CVariant::fromF64(2.0, NTypes::E_F64), "2.0");
+    minimum("float", CVariant::fromF64(-0.5, NTypes::E_F32), "-0.5f");
 }
 
 void tst_OdictDataStructures::initialValue()
 {
-    QFETCH(COdictDataStructure::eMemberSource_t, source);
-    QFETCH(QString, literal);
+    QFETCH(D::eMemberSource_t, source);
     QFETCH(COdictEditorObject, object);
     QFETCH(QString, expected);
 
-    const Member member{QStringLiteral("uint32_t"), QStringLiteral("value"), source, literal};
-    QCOMPARE(COdictDataStructure::initialValue(member, object), expected);
+    // Every member falls back to the literal "FB".
+    const Member member{QStringLiteral("uint32_t"), QStringLiteral("value"), source, QStringLiteral("FB")};
+    QCOMPARE(D::initialValue(member, object), expected);
 }
 
 void tst_OdictDataStructures::sourceKeywords()
 {
-    for (int s = COdictDataStructure::E_MS_LITERAL; s <= COdictDataStructure::E_MS_FW_FUNCTION; ++s) {
-        const auto source = COdictDataStructure::eMemberSource_t(s);
+    for (int s = D::E_MS_LITERAL; s <= D::E_MS_FW_FUNCTION; ++s) {
         bool ok = false;
-        QCOMPARE(COdictDataStructure::strToSource(COdictDataStructure::sourceToStr(source), &ok), source);
+        QCOMPARE(D::strToSource(D::sourceToStr(D::eMemberSource_t(s)), &ok), D::eMemberSource_t(s));
         QVERIFY(ok);
     }
     bool ok = true;
-    QCOMPARE(COdictDataStructure::strToSource(QStringLiteral("Id"), &ok), COdictDataStructure::E_MS_LITERAL);
+    QCOMPARE(D::strToSource(QStringLiteral("Id"), &ok), D::E_MS_LITERAL); // keywords are case-sensitive
     QVERIFY(!ok);
 }
 
@@ -248,26 +189,16 @@ void tst_OdictDataStructures::historyReplacesInPlace()
         history.append(::version(quint32(i + 1), initial.at(i)));
     const COdictHistory before = history;
 
+    // A version is found by its number alone, whoever wrote it.
     const CXMLMetaData record = ::version(version, QStringLiteral("new"));
+    QCOMPARE(before.indexOfVersion(record), version <= 5 ? int(version) - 1 : -1);
     if (prepend)
         history.prepend(record);
     else
         history.append(record);
     QCOMPARE(authors(history), expected);
-    QCOMPARE(history.at(expected.indexOf(QStringLiteral("new"))), record);
+    QCOMPARE(history.indexOfVersion(record), expected.indexOf(QStringLiteral("new")));
     QCOMPARE(authors(before), initial); // copies are independent
-}
-
-void tst_OdictDataStructures::historyIndexOfVersion()
-{
-    COdictHistory history;
-    QCOMPARE(history.indexOfVersion(version(1, QStringLiteral("a"))), -1);
-    history.prepend(version(1, QStringLiteral("a")));
-    history.prepend(version(2, QStringLiteral("b")));
-    QCOMPARE(history.indexOfVersion(version(1, QStringLiteral("other"))), 1);
-    QCOMPARE(history.indexOfVersion(version(3, QStringLiteral("a"))), -1);
-    history.clear();
-    QCOMPARE(history.size(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_OdictDataStructures)

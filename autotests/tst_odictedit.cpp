@@ -27,6 +27,12 @@ struct sFixture_t {
         log.clear();
     }
 
+    COdictNode *add(COdictNode *node, COdictNode *parent)
+    {
+        (parent ? parent : top)->appendChild(node);
+        return node;
+    }
+
     /// An object with \a id and \a name appended to \a parent (the dictionary node by default).
     COdictNode *object(unsigned int id, const QString &name, COdictNode *parent = nullptr)
     {
@@ -36,19 +42,12 @@ struct sFixture_t {
         o.setUiName(name.toLower());
         bool ok = false;
         COdictNode *node = tree().createObjectNode(o, E_IT_OBJECT, &ok);
-        if (!ok) {
-            delete node;
-            return nullptr;
-        }
-        (parent ? parent : top)->appendChild(node);
-        return node;
+        return ok ? add(node, parent) : nullptr;
     }
 
     COdictNode *group(const QString &name, COdictNode *parent = nullptr)
     {
-        COdictNode *node = tree().createGroupNode(name, name.toLower());
-        (parent ? parent : top)->appendChild(node);
-        return node;
+        return add(tree().createGroupNode(name, name.toLower()), parent);
     }
 };
 
@@ -66,20 +65,7 @@ QString childNames(const COdictNode *node)
     return names.join(QLatin1Char(' '));
 }
 
-/// Whether some node of the tree holds an object with \a uid.
-bool treeHolds(const COdictObjectTree &tree, const COdictObjectId &uid)
-{
-    QVector<const COdictNode *> pending{tree.rootNode()};
-    while (!pending.isEmpty()) {
-        const COdictNode *node = pending.takeLast();
-        const COdictItem &item = node->dataRef();
-        if (item.hasObject() && item.objectPtr()->uniqueId() == uid)
-            return true;
-        for (const COdictNode *child : node->children())
-            pending.append(child);
-    }
-    return false;
-}
+enum eUpdate_t { E_SET, E_REPLACE, E_BY_REF_ID, E_BY_OBJECT_ID };
 
 } // namespace
 
@@ -88,88 +74,66 @@ class tst_OdictEdit : public QObject
     Q_OBJECT
 
 private slots:
-    void addObjectTakesNextId_data();
-    void addObjectTakesNextId();
-    void insertObjectAtPosition();
-    void insertBeyondChildrenAnswersTrue();
+    void newObjectTakesNextId_data();
+    void newObjectTakesNextId();
     void addSubObjectTakesNextSubId();
-    void addSubObjectRefusals();
+    void addSubObjectRefusesTakenSubId();
     void moveWithinParent_data();
     void moveWithinParent();
     void moveRefusalsAndParentlessNode();
     void moveSubObjectRehomes();
-    void changeObjectIdRefusesTakenId();
-    void changeObjectIdRekeysSubObjects();
-    void delEditorObjectWithSubObjects();
-    void delEditorGroupRemovesObjects();
-    void setEditorObjectRefusals();
-    void setEditorObjectRenames();
-    void replaceChangesId();
-    void setOdictItemByRefId();
-    void setOdictItemByObjectIdRefusesGroups();
+    void changeObjectIdRekeysOnly();
+    void deleteRemovesFromBothIndexes_data();
+    void deleteRemovesFromBothIndexes();
+    void updateObject_data();
+    void updateObject();
+    void refusals();
     void addGroup();
     void withoutTreeEverythingRefuses();
 };
 
-void tst_OdictEdit::addObjectTakesNextId_data()
+void tst_OdictEdit::newObjectTakesNextId_data()
 {
     QTest::addColumn<QList<uint>>("existing");
+    QTest::addColumn<int>("position"); // -1: appended by addEditorObject
     QTest::addColumn<uint>("expected");
+    QTest::addColumn<int>("row"); // -1: linked nowhere
 
-    QTest::newRow("empty dictionary") << QList<uint>{} << 1u;
-    QTest::newRow("after 0x2000, whatever the gaps") << QList<uint>{0x10, 0x2000, 0x500} << 0x2001u;
-    QTest::newRow("after id 0") << QList<uint>{0} << 1u;
+    QTest::newRow("empty dictionary") << QList<uint>{} << -1 << 1u << 0;
+    QTest::newRow("after 0x2000, whatever the gaps") << QList<uint>{0x10, 0x2000, 0x500} << -1 << 0x2001u << 3;
+    QTest::newRow("after id 0") << QList<uint>{0} << -1 << 1u << 1;
+    QTest::newRow("inserted between") << QList<uint>{0x10, 0x11} << 1 << 0x12u << 1;
+    QTest::newRow("inserted at the child count") << QList<uint>{0x10, 0x11} << 2 << 0x12u << 2;
+    QTest::newRow("inserted beyond the child count") << QList<uint>{0x10, 0x11} << 3 << 0x12u << -1;
 }
 
-void tst_OdictEdit::addObjectTakesNextId()
+void tst_OdictEdit::newObjectTakesNextId()
 {
     QFETCH(QList<uint>, existing);
+    QFETCH(int, position);
     QFETCH(uint, expected);
+    QFETCH(int, row);
 
     sFixture_t f;
     for (uint id : existing)
         QVERIFY(f.object(id, QStringLiteral("OBJ_%1").arg(id)));
     QSignalSpy spy(f.dict.objectTree(), &COdictObjectTree::objectDictionaryChanged);
-    COdictNode *group = f.group(QStringLiteral("G"));
-    QVERIFY(f.dict.addEditorObject(group));
-    checkIndexInvariants(f.tree());
+    // Inserting answers true even beyond the child count, where the new object is registered but
+    // no node of the tree holds it.
+    QVERIFY(position < 0 ? f.dict.addEditorObject(f.top) : f.dict.insertEditorObject(f.top, position));
     QCOMPARE(spy.count(), 1);
-
-    QCOMPARE(group->childCount(), 1);
-    const COdictNode *added = group->child(0);
+    const COdictNode *added = f.dict.node(expected);
+    QVERIFY(added);
     QCOMPARE(added->dataRef().type(), E_IT_OBJECT);
     const COdictEditorObject o = editorObjectOf(added);
     QCOMPARE(o.uniqueId(), COdictObjectId(expected));
     QCOMPARE(o.name(), QStringLiteral("OBJECT_NAME_WITH_ID_%1").arg(expected));
-    QCOMPARE(f.dict.node(expected), added);
     QCOMPARE(f.dict.node(o.name()), added);
-    QVERIFY(!f.dict.addEditorObject(nullptr));
-}
-
-void tst_OdictEdit::insertObjectAtPosition()
-{
-    sFixture_t f;
-    f.object(0x10, QStringLiteral("A"));
-    f.object(0x11, QStringLiteral("B"));
-    QVERIFY(f.dict.insertEditorObject(f.top, 1));
-    QVERIFY(f.dict.insertEditorObject(f.top, 3)); // == child count: appended
-    QCOMPARE(childNames(f.top), QStringLiteral("A OBJECT_NAME_WITH_ID_18 B OBJECT_NAME_WITH_ID_19"));
-    checkIndexInvariants(f.tree());
-}
-
-void tst_OdictEdit::insertBeyondChildrenAnswersTrue()
-{
-    sFixture_t f;
-    f.object(0x10, QStringLiteral("A"));
-    QVERIFY(f.dict.insertEditorObject(f.top, f.top->childCount() + 1));
-    // Registered but linked nowhere: the id is indexed, no node of the tree holds it.
-    QVERIFY(f.dict.contains(0x11u));
-    QVERIFY(!treeHolds(f.tree(), COdictObjectId(0x11u)));
-    QCOMPARE(childNames(f.top), QStringLiteral("A"));
-
-    QVERIFY(f.dict.insertEditorGroup(f.top, 5));
-    QCOMPARE(f.top->childCount(), 1);
-    // The unlinked nodes go with the tree (checked for leaks under the sanitizer build).
+    QCOMPARE(f.top->children().indexOf(const_cast<COdictNode *>(added)), row);
+    QCOMPARE(f.top->childCount(), existing.size() + (row < 0 ? 0 : 1));
+    if (row >= 0)
+        checkIndexInvariants(f.tree());
+    // Unlinked nodes go with the tree (checked for leaks under the sanitizer build).
     f.tree().clear();
     QVERIFY(f.tree().idIndex().isEmpty());
 }
@@ -206,13 +170,9 @@ void tst_OdictEdit::addSubObjectTakesNextSubId()
     checkIndexInvariants(f.tree());
 }
 
-void tst_OdictEdit::addSubObjectRefusals()
+void tst_OdictEdit::addSubObjectRefusesTakenSubId()
 {
     sFixture_t f;
-    COdictNode *group = f.group(QStringLiteral("G"));
-    QVERIFY(!f.dict.addEditorSubobject(nullptr));
-    QVERIFY(!f.dict.addEditorSubobject(group));
-
     // A sub-id already taken (registered behind the owner's back) is refused with a critical.
     COdictNode *owner = f.object(0x2000, QStringLiteral("OWNER"));
     COdictEditorObject stray = editorObjectOf(owner);
@@ -300,8 +260,6 @@ void tst_OdictEdit::moveSubObjectRehomes()
     QCOMPARE(moved->parent(), second);
     QCOMPARE(editorObjectOf(moved).uniqueId(), COdictObjectId(0x20u, 1u));
     QCOMPARE(editorObjectOf(moved).name(), QStringLiteral("SECOND_1"));
-    QVERIFY(!f.dict.contains(0x10u, 1u));
-    QCOMPARE(f.dict.node(QStringLiteral("SECOND_1"), 1u), moved);
     QCOMPARE(editorObjectOf(first).subIdList(), QList<unsigned int>{0});
     QCOMPARE(editorObjectOf(second).subIdList(), (QList<unsigned int>{0, 1}));
 
@@ -317,29 +275,25 @@ void tst_OdictEdit::moveSubObjectRehomes()
     QCOMPARE(first->childCount(), 0);
 }
 
-void tst_OdictEdit::changeObjectIdRefusesTakenId()
+void tst_OdictEdit::changeObjectIdRekeysOnly()
 {
     sFixture_t f;
-    f.object(0x10, QStringLiteral("A"));
+    COdictNode *owner = f.object(0x10, QStringLiteral("OWNER"));
     f.object(0x20, QStringLiteral("B"));
+    QVERIFY(f.dict.addEditorSubobject(owner));
+    QVERIFY(f.dict.addEditorSubobject(owner));
+
+    // A taken or an unknown id is refused.
     const auto keys = f.tree().idIndex().keys();
     QVERIFY(!f.dict.changeObjectId(0x10u, 0x20u));
     QVERIFY(!f.dict.changeObjectId(0x30u, 0x40u));
     QCOMPARE(f.tree().idIndex().keys(), keys);
     QCOMPARE(f.dict.object(0x20u).name(), QStringLiteral("B"));
     checkIndexInvariants(f.tree());
-}
-
-void tst_OdictEdit::changeObjectIdRekeysSubObjects()
-{
-    sFixture_t f;
-    COdictNode *owner = f.object(0x10, QStringLiteral("OWNER"));
-    QVERIFY(f.dict.addEditorSubobject(owner));
-    QVERIFY(f.dict.addEditorSubobject(owner));
 
     QVERIFY(f.dict.changeObjectId(0x10u, 0x30u));
-    QCOMPARE(f.tree().idIndex().keys(),
-             (QList<COdictObjectId>{COdictObjectId(0x30u), COdictObjectId(0x30u, 0u), COdictObjectId(0x30u, 1u)}));
+    QCOMPARE(f.tree().idIndex().keys(), (QList<COdictObjectId>{COdictObjectId(0x20u), COdictObjectId(0x30u),
+                                                               COdictObjectId(0x30u, 0u), COdictObjectId(0x30u, 1u)}));
     QCOMPARE(f.dict.node(0x30u, 1u), owner->child(1));
     // Writing the new id into the objects is the caller's part; then the indexes agree again.
     for (const COdictNode *node : QVector<const COdictNode *>{owner, owner->child(0), owner->child(1)}) {
@@ -351,134 +305,124 @@ void tst_OdictEdit::changeObjectIdRekeysSubObjects()
     checkIndexInvariants(f.tree());
 }
 
-void tst_OdictEdit::delEditorObjectWithSubObjects()
+void tst_OdictEdit::deleteRemovesFromBothIndexes_data()
 {
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("left"); // the dictionary's children afterwards
+    QTest::addColumn<int>("objectsLeft");
+
+    QTest::newRow("object with its sub-objects") << "OWNER" << "KEEP DOOMED EMPTY" << 3;
+    QTest::newRow("group with nested groups and objects") << "DOOMED" << "KEEP EMPTY" << 1;
+    QTest::newRow("empty group") << "EMPTY" << "KEEP DOOMED" << 6;
+}
+
+void tst_OdictEdit::deleteRemovesFromBothIndexes()
+{
+    QFETCH(QString, target);
+    QFETCH(QString, left);
+    QFETCH(int, objectsLeft);
+
     sFixture_t f;
     f.object(0x10, QStringLiteral("KEEP"));
-    COdictNode *owner = f.object(0x20, QStringLiteral("OWNER"));
+    COdictNode *doomed = f.group(QStringLiteral("DOOMED"));
+    COdictNode *owner = f.object(0x20, QStringLiteral("OWNER"), doomed);
     QVERIFY(f.dict.addEditorSubobject(owner));
     QVERIFY(f.dict.addEditorSubobject(owner));
-    const COdictEditorObject victim = editorObjectOf(owner);
+    f.object(0x30, QStringLiteral("NESTED"), f.group(QStringLiteral("INNER"), doomed));
+    f.object(0x40, QStringLiteral("LAST"), doomed);
+    COdictNode *empty = f.group(QStringLiteral("EMPTY"));
 
-    COdictEditorObject unknown = victim;
-    unknown.setId(0x99u);
-    QVERIFY(!f.dict.delEditorObject(unknown));
-    QVERIFY(!f.dict.delEditorObject(COdictEditorObject()));
-
-    QVERIFY(f.dict.delEditorObject(victim));
+    if (target == QLatin1String("OWNER"))
+        QVERIFY(f.dict.delEditorObject(editorObjectOf(owner)));
+    else
+        QVERIFY(f.dict.delEditorGroup(target == QLatin1String("EMPTY") ? empty : doomed));
     checkIndexInvariants(f.tree());
-    QCOMPARE(childNames(f.top), QStringLiteral("KEEP"));
-    QCOMPARE(f.tree().idIndex().keys(), QList<COdictObjectId>{COdictObjectId(0x10u)});
-    QVERIFY(!f.dict.node(QStringLiteral("OWNER_1"), 1u));
+    QCOMPARE(childNames(f.top), left);
+    QCOMPARE(f.tree().idIndex().size(), objectsLeft);
+    QCOMPARE(f.tree().nameIndex().size(), objectsLeft);
 }
 
-void tst_OdictEdit::delEditorGroupRemovesObjects()
+void tst_OdictEdit::updateObject_data()
 {
-    sFixture_t f;
-    f.object(0x10, QStringLiteral("KEEP"));
-    COdictNode *group = f.group(QStringLiteral("DOOMED"));
-    COdictNode *owner = f.object(0x20, QStringLiteral("OWNER"), group);
-    QVERIFY(f.dict.addEditorSubobject(owner));
-    COdictNode *inner = f.group(QStringLiteral("INNER"), group);
-    f.object(0x30, QStringLiteral("NESTED"), inner);
-    f.object(0x40, QStringLiteral("LAST"), group);
+    QTest::addColumn<int>("how");
+    QTest::addColumn<uint>("key"); // the id replaced
+    QTest::addColumn<uint>("id");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("ok");
 
-    QVERIFY(!f.dict.delEditorGroup(nullptr));
-    QVERIFY(!f.dict.delEditorGroup(f.tree().rootNode()));
-    QVERIFY(f.dict.delEditorGroup(group));
-    checkIndexInvariants(f.tree());
-    QCOMPARE(childNames(f.top), QStringLiteral("KEEP"));
-    QCOMPARE(f.tree().idIndex().keys(), QList<COdictObjectId>{COdictObjectId(0x10u)});
-    QCOMPARE(f.tree().nameIndex().size(), 1);
-    QVERIFY(!f.dict.node(QStringLiteral("INNER")));
-
-    QVERIFY(f.dict.delEditorGroup(f.group(QStringLiteral("EMPTY"))));
-    QCOMPARE(childNames(f.top), QStringLiteral("KEEP"));
+    QTest::newRow("set, renamed") << int(E_SET) << 0x10u << 0x10u << "NEW" << true;
+    QTest::newRow("set, named UNKNOWN") << int(E_SET) << 0x10u << 0x10u << "UNKNOWN" << false;
+    QTest::newRow("set, unknown id") << int(E_SET) << 0x10u << 0x11u << "A" << false;
+    QTest::newRow("replace, new id and name") << int(E_REPLACE) << 0x10u << 0x15u << "A_MOVED" << true;
+    QTest::newRow("replace, unknown key") << int(E_REPLACE) << 0x11u << 0x11u << "A" << false;
+    QTest::newRow("replace, id of another object") << int(E_REPLACE) << 0x10u << 0x20u << "A" << false;
+    QTest::newRow("by reference id, renamed") << int(E_BY_REF_ID) << 0x10u << 0x10u << "RENAMED" << true;
+    QTest::newRow("by object id") << int(E_BY_OBJECT_ID) << 0x10u << 0x10u << "A" << true;
 }
 
-void tst_OdictEdit::setEditorObjectRefusals()
+void tst_OdictEdit::updateObject()
 {
-    sFixture_t f;
-    f.object(0x10, QStringLiteral("A"));
-    const COdictEditorObject before = f.dict.editorObject(0x10u);
+    QFETCH(int, how);
+    QFETCH(uint, key);
+    QFETCH(uint, id);
+    QFETCH(QString, name);
+    QFETCH(bool, ok);
 
-    COdictEditorObject invalid = before;
-    invalid.setName(QStringLiteral("UNKNOWN"));
-    QVERIFY(!f.dict.setEditorObject(invalid));
-    COdictEditorObject unknown = before;
-    unknown.setId(0x11u);
-    QVERIFY(!f.dict.setEditorObject(unknown));
-    QVERIFY(!f.dict.replaceOdictEditorObject(0x11u, unknown));
-    QVERIFY(f.dict.editorObject(0x10u) == before);
-    checkIndexInvariants(f.tree());
-}
-
-void tst_OdictEdit::setEditorObjectRenames()
-{
-    sFixture_t f;
-    const COdictNode *node = f.object(0x10, QStringLiteral("OLD"));
-    COdictEditorObject o = editorObjectOf(node);
-    o.setName(QStringLiteral("NEW"));
-    o.setFwVariablename(QStringLiteral("g_new"));
-    QVERIFY(f.dict.setEditorObject(o));
-    checkIndexInvariants(f.tree());
-    QCOMPARE(f.dict.node(QStringLiteral("NEW")), node);
-    QVERIFY(!f.dict.node(QStringLiteral("OLD")));
-    QVERIFY(f.dict.editorObject(0x10u) == o);
-}
-
-void tst_OdictEdit::replaceChangesId()
-{
     sFixture_t f;
     const COdictNode *node = f.object(0x10, QStringLiteral("A"));
     f.object(0x20, QStringLiteral("B"));
-    COdictEditorObject o = editorObjectOf(node);
-    o.setId(0x15u);
-    o.setName(QStringLiteral("A_MOVED"));
-    QVERIFY(f.dict.replaceOdictEditorObject(0x10u, o));
+    const COdictEditorObject before = editorObjectOf(node);
+    COdictItem item = node->data();
+    COdictEditorObject &o = *item.toEditorObjectPtr();
+    o.setId(id);
+    o.setName(name);
+    o.setDescription(QStringLiteral("changed"));
+    const bool done = how == E_SET       ? f.dict.setEditorObject(o)
+                      : how == E_REPLACE ? f.dict.replaceOdictEditorObject(key, o)
+                      : how == E_BY_REF_ID ? f.dict.setOdictItemByRefId(item)
+                                           : f.dict.setOdictItemByObjectId(item);
+    QCOMPARE(done, ok);
     checkIndexInvariants(f.tree());
-    QCOMPARE(f.dict.node(0x15u), node);
-    QVERIFY(!f.dict.contains(0x10u));
-
-    // The id of another object is not taken over.
-    o.setId(0x20u);
-    QVERIFY(!f.dict.replaceOdictEditorObject(0x15u, o));
     QCOMPARE(f.dict.object(0x20u).name(), QStringLiteral("B"));
-    checkIndexInvariants(f.tree());
+    if (!ok) {
+        QVERIFY(editorObjectOf(node) == before);
+        return;
+    }
+    QVERIFY(f.dict.editorObject(id) == o);
+    QCOMPARE(f.dict.node(id), node);
+    QCOMPARE(f.dict.node(name), node);
+    QCOMPARE(f.dict.contains(0x10u), id == 0x10u);
+    QCOMPARE(f.dict.node(QStringLiteral("A")) != nullptr, name == QLatin1String("A"));
 }
 
-void tst_OdictEdit::setOdictItemByRefId()
+void tst_OdictEdit::refusals()
 {
     sFixture_t f;
-    COdictNode *node = f.object(0x10, QStringLiteral("A"));
-    COdictItem item = node->data();
-    item.toEditorObjectPtr()->setUiName(QStringLiteral("Changed"));
-    item.toEditorObjectPtr()->setName(QStringLiteral("RENAMED"));
-    QVERIFY(f.dict.setOdictItemByRefId(item));
-    checkIndexInvariants(f.tree());
-    QCOMPARE(f.dict.editorObject(0x10u).uiName(), QStringLiteral("Changed"));
-    QCOMPARE(f.dict.node(QStringLiteral("RENAMED")), node);
-
+    COdictNode *a = f.object(0x10, QStringLiteral("A"));
+    COdictNode *group = f.group(QStringLiteral("G"));
+    COdictEditorObject unknown = editorObjectOf(a);
+    unknown.setId(0x99u);
+    QVERIFY(!f.dict.addEditorObject(nullptr));
+    QVERIFY(!f.dict.addEditorGroup(nullptr));
+    QVERIFY(!f.dict.addEditorSubobject(nullptr));
+    QVERIFY(!f.dict.addEditorSubobject(group));
+    QVERIFY(!f.dict.delEditorObject(unknown));
+    QVERIFY(!f.dict.delEditorObject(COdictEditorObject()));
+    QVERIFY(!f.dict.delEditorGroup(nullptr));
+    QVERIFY(!f.dict.delEditorGroup(f.tree().rootNode()));
     QVERIFY(!f.dict.setOdictItemByRefId(COdictItem(COdictEditorObject())));
-}
-
-void tst_OdictEdit::setOdictItemByObjectIdRefusesGroups()
-{
-    sFixture_t f;
-    COdictNode *node = f.object(0x10, QStringLiteral("A"));
-    QVERIFY(!f.dict.setOdictItemByObjectId(f.group(QStringLiteral("G"))->data()));
-    COdictItem item = node->data();
-    item.toEditorObjectPtr()->setDescription(QStringLiteral("by id"));
-    QVERIFY(f.dict.setOdictItemByObjectId(item));
-    QCOMPARE(f.dict.editorObject(0x10u).description(), QStringLiteral("by id"));
+    QVERIFY(!f.dict.setOdictItemByObjectId(group->data()));
+    QCOMPARE(childNames(f.top), QStringLiteral("A G"));
+    QCOMPARE(group->childCount(), 0);
+    checkIndexInvariants(f.tree());
 }
 
 void tst_OdictEdit::addGroup()
 {
     sFixture_t f;
-    QVERIFY(!f.dict.addEditorGroup(nullptr));
     QVERIFY(f.dict.addEditorGroup(f.top));
     QVERIFY(f.dict.insertEditorGroup(f.top, 0));
+    QVERIFY(f.dict.insertEditorGroup(f.top, 5)); // beyond the child count: true, linked nowhere
     QCOMPARE(f.top->childCount(), 2);
     for (const COdictNode *group : f.top->children()) {
         QCOMPARE(group->dataRef().type(), E_IT_GROUP);

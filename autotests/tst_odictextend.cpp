@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 
 using namespace NkrOdict;
@@ -28,31 +29,21 @@ constexpr unsigned int idActCurve = 0x22;   // XY actual value: never split
 constexpr unsigned int idShortCurve = 0x23; // XY parameter smaller than one pair
 constexpr unsigned int idPlain = 0x30;      // U32 parameter
 
-struct sXmlObject_t {
-    unsigned int id;
-    QString name;
-    QString type;
-    int size;
-    QString usage;
-    QList<QPair<int, QString>> bits;
-    QString subId = QString(); // empty: an object
-    QString subObjects = QString();
-};
-
-QString objectXml(const sXmlObject_t &o)
+/// One object element; \a bits lists "position=name" pairs separated by commas, and an empty
+/// \a subId makes an object rather than a sub-object.
+QString objectXml(unsigned int id, const char *name, const char *type, int size, const char *usage,
+                  const char *bits = "", const char *subId = "", const QString &subObjects = QString())
 {
-    QString bits;
-    if (!o.bits.isEmpty()) {
-        bits = QStringLiteral("<BitSet>");
-        for (const auto &bit : o.bits)
-            bits += QStringLiteral("<Bit pos=\"%1\">%2</Bit>").arg(bit.first).arg(bit.second);
-        bits += QStringLiteral("</BitSet>");
-    }
-    const QString subId = o.subId.isEmpty() ? QString() : QStringLiteral(" subid=\"%1\"").arg(o.subId);
-    const QString subs = o.subObjects.isEmpty() ? QString() : QStringLiteral("<SubObjects>%1</SubObjects>").arg(o.subObjects);
+    QString bitSet;
+    for (const QString &bit : QString::fromLatin1(bits).split(QLatin1Char(','), Qt::SkipEmptyParts))
+        bitSet += QStringLiteral("<Bit pos=\"%1\">%2</Bit>").arg(bit.section(QLatin1Char('='), 0, 0), bit.section(QLatin1Char('='), 1));
+    if (!bitSet.isEmpty())
+        bitSet = QStringLiteral("<BitSet>%1</BitSet>").arg(bitSet);
     return QStringLiteral("<Object id=\"0x%1\"%2><Name>%3</Name><UiName>%3 ui</UiName><UiShortName>%3 short</UiShortName>"
                           "<Type>%4</Type><DataSize>%5</DataSize><ObjectUsage>%6</ObjectUsage>%7%8</Object>\n")
-        .arg(QString::number(o.id, 16), subId, o.name, o.type, QString::number(o.size), o.usage, bits, subs);
+        .arg(QString::number(id, 16), *subId ? QStringLiteral(" subid=\"%1\"").arg(QLatin1String(subId)) : QString(),
+             QLatin1String(name), QLatin1String(type), QString::number(size), QLatin1String(usage), bitSet,
+             subObjects.isEmpty() ? QString() : QStringLiteral("<SubObjects>%1</SubObjects>").arg(subObjects));
 }
 
 QString dictionaryXml(const QString &objects)
@@ -66,19 +57,13 @@ QString dictionaryXml(const QString &objects)
 
 QString standardObjects()
 {
-    const QString octets = QStringLiteral("OCTET_STRING");
-    QString xml = QStringLiteral("<Group><Name>Status</Name><UiName>Status</UiName>\n");
-    xml += objectXml({idStatus, QStringLiteral("STATUS"), QStringLiteral("U16"), 2, QStringLiteral("0x4"),
-                      {{0, QStringLiteral("Ready")}, {1, QStringLiteral("Enabled")}, {5, QStringLiteral("Fault")}}});
-    xml += objectXml({idWide, QStringLiteral("WIDE"), octets, 65, QStringLiteral("0x4"), {{0, QStringLiteral("Wide0")}}});
-    xml += objectXml({idEdge, QStringLiteral("EDGE"), octets, 64, QStringLiteral("0x4"), {{63, QStringLiteral("Last")}}});
-    xml += QStringLiteral("</Group>\n");
-    xml += objectXml({idCurve, QStringLiteral("CURVE"), QStringLiteral("XY"), 16, QStringLiteral("0x2"), {}});
-    xml += objectXml({idDbCurve, QStringLiteral("DB_CURVE"), QStringLiteral("XY"), 8, QStringLiteral("0x80"), {}});
-    xml += objectXml({idActCurve, QStringLiteral("ACT_CURVE"), QStringLiteral("XY"), 16, QStringLiteral("0x4"), {}});
-    xml += objectXml({idShortCurve, QStringLiteral("SHORT_CURVE"), QStringLiteral("XY"), 4, QStringLiteral("0x2"), {}});
-    xml += objectXml({idPlain, QStringLiteral("PLAIN"), QStringLiteral("U32"), 4, QStringLiteral("0x2"), {}});
-    return xml;
+    return QStringLiteral("<Group><Name>Status</Name><UiName>Status</UiName>\n")
+        + objectXml(idStatus, "STATUS", "U16", 2, "0x4", "0=Ready,1=Enabled,5=Fault")
+        + objectXml(idWide, "WIDE", "OCTET_STRING", 65, "0x4", "0=Wide0")
+        + objectXml(idEdge, "EDGE", "OCTET_STRING", 64, "0x4", "63=Last") + QStringLiteral("</Group>\n")
+        + objectXml(idCurve, "CURVE", "XY", 16, "0x2") + objectXml(idDbCurve, "DB_CURVE", "XY", 8, "0x80")
+        + objectXml(idActCurve, "ACT_CURVE", "XY", 16, "0x4") + objectXml(idShortCurve, "SHORT_CURVE", "XY", 4, "0x2")
+        + objectXml(idPlain, "PLAIN", "U32", 4, "0x2");
 }
 
 bool writeFile(const QString &path, const QString &text)
@@ -93,10 +78,7 @@ bool writeFile(const QString &path, const QString &text)
 QList<unsigned int> virtualChildren(const COdict &dict, unsigned int id)
 {
     QList<unsigned int> subIds;
-    const COdictNode *node = dict.node(id);
-    if (!node)
-        return subIds;
-    for (const COdictNode *child : node->children()) {
+    for (const COdictNode *child : dict.node(id)->children()) {
         const COdictObject *object = child->dataRef().objectPtr();
         if (object && object->isVirtual())
             subIds << object->subId();
@@ -121,17 +103,6 @@ int load(COdict &dict, const QString &path)
     return dict.objectType() == E_OT_PARAMETER ? dict.loadParameterDictionary(path) : dict.loadDictionary(path);
 }
 
-COdictValueObject valueObject(unsigned int id, const QString &name, NTypes::eTypes_t type, unsigned int size)
-{
-    COdictValueObject o;
-    o.setId(id);
-    o.setName(name);
-    o.setDataType(type);
-    o.setDataSize(size);
-    o.setObjectUsage(E_OU_PARAMETER);
-    return o;
-}
-
 constexpr unsigned int idControl = 0x40; // U16 with bits 0, 1, 2
 constexpr unsigned int idXy = 0x41;      // XY of two pairs
 
@@ -141,28 +112,25 @@ void buildValueTree(COdictExtendEdit &dict)
     COdictObjectTree *tree = dict.objectTree();
     COdictNode *top = tree->createDictionaryNode(QStringLiteral("Values"));
     tree->rootNode()->appendChild(top);
-
-    COdictValueObject control = valueObject(idControl, QStringLiteral("CONTROL"), NTypes::E_U16, 2);
-    COdictObjectBitSet bits;
-    bits.insert(0, QStringLiteral("Enable"));
-    bits.insert(1, QStringLiteral("Start"));
-    bits.insert(2, QStringLiteral("Reset"));
-    control.setBitSetData(bits);
-    COdictValueObject xy = valueObject(idXy, QStringLiteral("XY_TABLE"), NTypes::E_XY, 16);
-
-    for (const COdictValueObject &o : {control, xy}) {
+    auto add = [&](unsigned int id, const char *name, NTypes::eTypes_t type, unsigned int size, const COdictObjectBitSet &bits) {
+        COdictValueObject o;
+        o.setId(id);
+        o.setName(QString::fromLatin1(name));
+        o.setDataType(type);
+        o.setDataSize(size);
+        o.setObjectUsage(E_OU_PARAMETER);
+        o.setBitSetData(bits);
         bool ok = false;
         COdictNode *node = tree->createObjectNode(o, E_IT_OBJECT, &ok);
         QVERIFY(ok);
         top->appendChild(node);
-    }
-}
-
-QByteArray bytesOf(const QVariant &value, int size)
-{
-    QByteArray bytes = value.toByteArray();
-    bytes.resize(size);
-    return bytes;
+    };
+    COdictObjectBitSet bits;
+    bits.insert(0, QStringLiteral("Enable"));
+    bits.insert(1, QStringLiteral("Start"));
+    bits.insert(2, QStringLiteral("Reset"));
+    add(idControl, "CONTROL", NTypes::E_U16, 2, bits);
+    add(idXy, "XY_TABLE", NTypes::E_XY, 16, COdictObjectBitSet());
 }
 
 } // namespace
@@ -174,26 +142,16 @@ class tst_OdictExtend : public QObject
 private slots:
     void initTestCase();
 
-    void emptyFilterAddsNothing_data();
-    void emptyFilterAddsNothing();
-    void bitSetFilter_data();
-    void bitSetFilter();
-    void xyFilter_data();
-    void xyFilter();
-    void bitSetObjectWithStoredSubObjects();
+    void virtualSubObjects_data();
+    void virtualSubObjects();
+    void storedSubObjectsReplaceVirtualOnes();
     void filterWithoutTreeIsIgnored();
-    void hasVirtualSubObjectsByKey();
     void saveLeavesVirtualObjectsOut();
 
-    void ownerValueReachesBits_data();
-    void ownerValueReachesBits();
-    void bitWritesOwner_data();
-    void bitWritesOwner();
-    void ownerValueReachesHalves();
+    void bitValues_data();
+    void bitValues();
     void halfWritesOwner_data();
     void halfWritesOwner();
-    void unknownVirtualObjectIsRefused();
-    void ownerLeavesStoredSubObjectsAlone();
 
 private:
     QTemporaryDir m_dir;
@@ -207,164 +165,132 @@ void tst_OdictExtend::initTestCase()
     QVERIFY(writeFile(m_file, dictionaryXml(standardObjects())));
 }
 
-void tst_OdictExtend::emptyFilterAddsNothing_data()
-{
-    QTest::addColumn<bool>("editable");
-    QTest::newRow("COdictExtend") << false;
-    QTest::newRow("COdictExtendEdit") << true;
-}
-
-void tst_OdictExtend::emptyFilterAddsNothing()
-{
-    QFETCH(bool, editable);
-
-    QScopedPointer<COdict> dict(editable ? static_cast<COdict *>(new COdictExtendEdit(E_OT_VALUE))
-                                         : static_cast<COdict *>(new COdictExtend(E_OT_VALUE)));
-    QCOMPARE(dict->loadDictionary(m_file), 0);
-    QCOMPARE(dict->allObjectUIds().size(), 8);
-    QCOMPARE(virtualObjectCount(*dict), 0);
-    for (const COdictObjectId &uid : dict->allObjectUIds()) {
-        const COdictObject object = dict->object(uid);
-        QVERIFY(object.subIdList().isEmpty());
-        if (editable) {
-            auto *edit = static_cast<COdictExtendEdit *>(dict.data());
-            QVERIFY(!edit->hasVirtualSubObjects(object));
-            QVERIFY(!edit->hasVirtualSubObjects(uid));
-            QVERIFY(!edit->hasVirtualSubObjects(dict->valueObject(uid)));
-        } else {
-            auto *extend = static_cast<COdictExtend *>(dict.data());
-            QVERIFY(!extend->hasVirtualSubObjects(object));
-            QVERIFY(!extend->hasVirtualSubObjects(uid));
-        }
-    }
-}
-
-void tst_OdictExtend::bitSetFilter_data()
+void tst_OdictExtend::virtualSubObjects_data()
 {
     QTest::addColumn<NkrOdict::eObjectType_t>("kind");
-    QTest::newRow("plain objects") << E_OT_STD;
-    QTest::newRow("value objects") << E_OT_VALUE;
-    QTest::newRow("editor objects") << E_OT_EDITOR;
-    QTest::newRow("parameter objects") << E_OT_PARAMETER;
+    QTest::addColumn<int>("filter");
+    QTest::addColumn<uint>("id");
+    QTest::addColumn<QStringList>("names"); // of the virtual sub-objects, "" for a sub-id not used
+    QTest::addColumn<int>("total");         // virtual objects in the whole dictionary
+
+    const QStringList status{QStringLiteral("Ready"), QStringLiteral("Enabled"), QString(), QString(), QString(),
+                             QStringLiteral("Fault")};
+    const QStringList halves{QStringLiteral("X1-Value"), QStringLiteral("Y1-Value"), QStringLiteral("X2-Value"),
+                             QStringLiteral("Y2-Value")};
+    QStringList last = QVector<QString>(63).toList();
+    last << QStringLiteral("Last");
+
+    QTest::newRow("no filter, bit set") << E_OT_VALUE << 0 << idStatus << QStringList() << 0;
+    QTest::newRow("no filter, XY") << E_OT_PARAMETER << 0 << idCurve << QStringList() << 0;
+    QTest::newRow("bits, plain objects") << E_OT_STD << int(E_VO_BITSET) << idStatus << status << 4;
+    QTest::newRow("bits, value objects") << E_OT_VALUE << int(E_VO_BITSET) << idStatus << status << 4;
+    QTest::newRow("bits, editor objects") << E_OT_EDITOR << int(E_VO_BITSET) << idStatus << status << 4;
+    QTest::newRow("bits, parameter objects") << E_OT_PARAMETER << int(E_VO_BITSET) << idStatus << status << 4;
+    QTest::newRow("bits, 64 bytes") << E_OT_STD << int(E_VO_BITSET) << idEdge << last << 4;
+    QTest::newRow("bits, 65 bytes is too wide") << E_OT_STD << int(E_VO_BITSET) << idWide << QStringList() << 4;
+    QTest::newRow("bits, XY stays whole") << E_OT_STD << int(E_VO_BITSET) << idCurve << QStringList() << 4;
+    QTest::newRow("XY, parameter of two pairs") << E_OT_PARAMETER << int(E_VO_XY) << idCurve << halves << 6;
+    QTest::newRow("XY, database parameter") << E_OT_PARAMETER << int(E_VO_XY) << idDbCurve << QStringList(halves.mid(0, 2)) << 6;
+    QTest::newRow("XY, actual value") << E_OT_PARAMETER << int(E_VO_XY) << idActCurve << QStringList() << 6;
+    QTest::newRow("XY, smaller than one pair") << E_OT_PARAMETER << int(E_VO_XY) << idShortCurve << QStringList() << 6;
+    QTest::newRow("XY, other data type") << E_OT_PARAMETER << int(E_VO_XY) << idPlain << QStringList() << 6;
+    QTest::newRow("XY, bit set stays whole") << E_OT_PARAMETER << int(E_VO_XY) << idStatus << QStringList() << 6;
 }
 
-void tst_OdictExtend::bitSetFilter()
+void tst_OdictExtend::virtualSubObjects()
 {
     QFETCH(NkrOdict::eObjectType_t, kind);
+    QFETCH(int, filter);
+    QFETCH(uint, id);
+    QFETCH(QStringList, names);
+    QFETCH(int, total);
 
     CMemoryLogfile log;
     COdictExtend dict(kind, &log);
-    dict.setObjectFilter(E_VO_BITSET);
-    QCOMPARE(dict.objectFilter(), VirtualObjectFlags(E_VO_BITSET));
+    dict.setObjectFilter(VirtualObjectFlags(filter));
     log.clear();
     QCOMPARE(load(dict, m_file), 0);
     QCOMPARE(log.count(NkrLogfiles::E_SEV_CRITICAL), 0);
+    QCOMPARE(dict.objectFilter(), VirtualObjectFlags(filter));
+    QCOMPARE(virtualObjectCount(dict), total);
 
-    // One virtual sub-object per bit, named after the bit, numbered by its position.
-    QCOMPARE(virtualChildren(dict, idStatus), (QList<unsigned int>{0, 1, 5}));
-    QCOMPARE(dict.object(idStatus).subIdList(), (QList<unsigned int>{0, 1, 5}));
-    QVERIFY(dict.hasVirtualSubObjects(COdictObjectId(idStatus)));
-    QVERIFY(dict.hasVirtualSubObjects(dict.object(idStatus)));
-    const QStringList names{QStringLiteral("Ready"), QStringLiteral("Enabled"), QStringLiteral("Fault")};
-    const QList<unsigned int> positions{0, 1, 5};
-    const COdictNode *owner = dict.node(idStatus);
-    for (int i = 0; i < positions.size(); ++i) {
-        const COdictNode *node = dict.node(idStatus, positions.at(i));
+    // One virtual sub-object per bit or XY half, numbered by its position and named after it.
+    QList<unsigned int> subIds;
+    for (int i = 0; i < names.size(); ++i) {
+        if (!names.at(i).isEmpty())
+            subIds << unsigned(i);
+    }
+    QCOMPARE(virtualChildren(dict, id), subIds);
+    QCOMPARE(dict.object(id).subIdList(), subIds);
+    QCOMPARE(dict.hasVirtualSubObjects(COdictObjectId(id)), !subIds.isEmpty());
+    QCOMPARE(dict.hasVirtualSubObjects(dict.object(id)), !subIds.isEmpty());
+    for (unsigned int subId : subIds) {
+        const COdictNode *node = dict.node(id, subId);
         QVERIFY(node);
-        QCOMPARE(node->parent(), owner);
+        QCOMPARE(node->parent(), dict.node(id));
         QCOMPARE(node->dataRef().type(), E_IT_SUBOBJECT);
         QCOMPARE(node->dataRef().objectType(), kind);
         const COdictObject *sub = node->dataRef().objectPtr();
         QVERIFY(sub->isVirtual());
-        QCOMPARE(sub->name(), names.at(i));
-        QCOMPARE(sub->uiName(), names.at(i));
-        QCOMPARE(sub->id(), idStatus);
-        QCOMPARE(sub->subId(), positions.at(i));
+        QCOMPARE(sub->name(), names.at(int(subId)));
         QVERIFY(!sub->hasBitSet());
         QVERIFY(sub->subIdList().isEmpty());
-        QCOMPARE(dict.node(names.at(i), positions.at(i)), node);
-    }
-
-    // The size limit is 64 bytes, inclusive.
-    QCOMPARE(virtualChildren(dict, idWide), QList<unsigned int>());
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(idWide)));
-    QCOMPARE(virtualChildren(dict, idEdge), QList<unsigned int>{63});
-
-    // Filter bit 0x2 is not set: data-type-24 parameters stay whole.
-    QCOMPARE(virtualChildren(dict, idCurve), QList<unsigned int>());
-    QCOMPARE(virtualChildren(dict, idDbCurve), QList<unsigned int>());
-    QCOMPARE(virtualObjectCount(dict), 4);
-
-    checkIndexInvariants(*dict.objectTree());
-}
-
-void tst_OdictExtend::xyFilter_data()
-{
-    QTest::addColumn<uint>("id");
-    QTest::addColumn<QList<unsigned int>>("subIds");
-
-    QTest::newRow("parameter of two pairs") << idCurve << QList<unsigned int>{0, 1, 2, 3};
-    QTest::newRow("database parameter of one pair") << idDbCurve << QList<unsigned int>{0, 1};
-    QTest::newRow("actual value") << idActCurve << QList<unsigned int>();
-    QTest::newRow("smaller than one pair") << idShortCurve << QList<unsigned int>();
-    QTest::newRow("other data type") << idPlain << QList<unsigned int>();
-    QTest::newRow("bit-set object, filter 0x1 not set") << idStatus << QList<unsigned int>();
-}
-
-void tst_OdictExtend::xyFilter()
-{
-    QFETCH(uint, id);
-    QFETCH(QList<unsigned int>, subIds);
-
-    COdictExtend dict(E_OT_PARAMETER);
-    dict.setObjectFilter(E_VO_XY);
-    QCOMPARE(load(dict, m_file), 0);
-
-    QCOMPARE(virtualChildren(dict, id), subIds);
-    QCOMPARE(dict.object(id).subIdList(), subIds);
-    QCOMPARE(dict.hasVirtualSubObjects(COdictObjectId(id)), !subIds.isEmpty());
-    const QStringList names{QStringLiteral("X1-Value"), QStringLiteral("Y1-Value"), QStringLiteral("X2-Value"),
-                            QStringLiteral("Y2-Value")};
-    for (unsigned int subId : subIds) {
-        const COdictObject sub = dict.object(id, subId);
-        QVERIFY(sub.isVirtual());
-        QCOMPARE(sub.name(), names.at(int(subId)));
-        QCOMPARE(sub.dataType(), NTypes::E_I32);
-        QCOMPARE(sub.dataSize(), 4u);
-        // The halves of every XY object share these names; the name index holds one of them.
-        QVERIFY(dict.node(sub.uniqueName()));
-        QCOMPARE(dict.node(sub.uniqueName())->dataRef().name(), sub.name());
+        if (filter == E_VO_XY) {
+            QCOMPARE(sub->dataType(), NTypes::E_I32);
+            QCOMPARE(sub->dataSize(), 4u);
+        } else {
+            QCOMPARE(sub->uiName(), sub->name());
+        }
+        // The halves of every XY object share their names; the name index holds one of them.
+        QVERIFY(dict.node(sub->uniqueName()));
+        QCOMPARE(dict.node(sub->uniqueName())->dataRef().name(), sub->name());
     }
     checkIndexInvariants(*dict.objectTree());
 }
 
-void tst_OdictExtend::bitSetObjectWithStoredSubObjects()
+void tst_OdictExtend::storedSubObjectsReplaceVirtualOnes()
 {
-    // An object whose sub-objects are stored in the file keeps them and gets no virtual ones,
-    // and a stored sub-object with a bit set of its own gets none either.
-    const QString subs = objectXml({idRecord, QStringLiteral("RECORD_0"), QStringLiteral("U16"), 2, QStringLiteral("0x4"),
-                                    {{0, QStringLiteral("Inner")}}, QStringLiteral("0")})
-        + objectXml({idRecord, QStringLiteral("RECORD_1"), QStringLiteral("U16"), 2, QStringLiteral("0x4"), {},
-                     QStringLiteral("1")});
-    const QString xml = objectXml({idRecord, QStringLiteral("RECORD"), QStringLiteral("U32"), 4, QStringLiteral("0x4"),
-                                   {{0, QStringLiteral("Low")}, {1, QStringLiteral("High")}}, QString(), subs});
+    // RECORD has a bit set and stored sub-objects, the first with a bit set of its own: none of
+    // them gets virtual sub-objects, and writing the owner leaves the stored sub-objects alone.
+    const QString subs = objectXml(idRecord, "RECORD_0", "U16", 2, "0x4", "0=Inner", "0")
+        + objectXml(idRecord, "RECORD_3", "U16", 2, "0x4", "", "3");
     const QString path = m_dir.filePath(QStringLiteral("record.xml"));
-    QVERIFY(writeFile(path, dictionaryXml(xml)));
+    QVERIFY(writeFile(path, dictionaryXml(standardObjects()
+                                          + objectXml(idRecord, "RECORD", "U32", 4, "0x4", "0=Low,1=High", "", subs))));
 
     CMemoryLogfile log;
-    COdictExtend dict(E_OT_VALUE, &log);
-    dict.setObjectFilter(E_VO_BITSET | E_VO_XY);
+    COdictExtendEdit dict(E_OT_VALUE, &log);
+    dict.setObjectFilter(E_VO_BITSET);
     log.clear();
     QCOMPARE(dict.loadDictionary(path), 0);
-
     QCOMPARE(log.texts(NkrLogfiles::E_SEV_CRITICAL), QStringList());
-    QCOMPARE(virtualObjectCount(dict), 0);
+
+    QCOMPARE(virtualObjectCount(dict), 4); // those of the standard objects only
     QCOMPARE(dict.node(idRecord)->childCount(), 2);
+    QCOMPARE(dict.node(idRecord, 0)->childCount(), 0);
     QCOMPARE(dict.object(idRecord, 0).name(), QStringLiteral("RECORD_0"));
-    QCOMPARE(dict.object(idRecord, 1).name(), QStringLiteral("RECORD_1"));
-    QCOMPARE(dict.object(idRecord).subIdList(), (QList<unsigned int>{0, 1}));
+    QCOMPARE(dict.object(idRecord).subIdList(), (QList<unsigned int>{0, 3}));
     QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(idRecord)));
+    QVERIFY(dict.hasVirtualSubObjects(COdictObjectId(idStatus)));
+    QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(0x999)));
+    QVERIFY(!dict.hasVirtualSubObjects(COdictObject()));
+    // An object is asked about by its id and its own sub-id list, not by the dictionary's copy.
+    COdictObject copy = dict.object(idStatus);
+    copy.clearSubIds();
+    QVERIFY(!dict.hasVirtualSubObjects(copy));
     checkIndexInvariants(*dict.objectTree());
+
+    for (unsigned int subId : {0u, 3u}) {
+        COdictValueObject stored = dict.valueObject(idRecord, subId);
+        stored.setCurrentValue(CVariant::fromU64(0x1234 + subId, NTypes::E_U16));
+        QVERIFY(dict.setValueObject(stored));
+    }
+    COdictValueObject owner = dict.valueObject(idRecord);
+    owner.setCurrentValue(CVariant::fromU64(0x1, NTypes::E_U32));
+    QVERIFY(dict.setValueObject(owner));
+    QCOMPARE(dict.valueObject(idRecord).currentCValue().toU64(), quint64(1));
+    QCOMPARE(dict.valueObject(idRecord, 0).currentCValue().toU64(), quint64(0x1234));
+    QCOMPARE(dict.valueObject(idRecord, 3).currentCValue().toU64(), quint64(0x1237));
 }
 
 void tst_OdictExtend::filterWithoutTreeIsIgnored()
@@ -379,35 +305,9 @@ void tst_OdictExtend::filterWithoutTreeIsIgnored()
     COdictExtendEdit edit(E_OT_UNKNOWN, &log);
     edit.setObjectFilter(E_VO_BITSET);
     QCOMPARE(edit.objectFilter(), VirtualObjectFlags());
-    QVERIFY(!edit.setValueObject(valueObject(idControl, QStringLiteral("CONTROL"), NTypes::E_U16, 2)));
-
-    // With a tree the filter is kept, also across loads.
-    COdictExtendEdit withTree(E_OT_VALUE);
-    withTree.setObjectFilter(E_VO_XY);
-    QCOMPARE(withTree.loadDictionary(m_file), 0);
-    QCOMPARE(withTree.objectFilter(), VirtualObjectFlags(E_VO_XY));
-}
-
-void tst_OdictExtend::hasVirtualSubObjectsByKey()
-{
-    const QString path = m_dir.filePath(QStringLiteral("mixed.xml"));
-    const QString subs = objectXml({idRecord, QStringLiteral("RECORD_0"), QStringLiteral("U16"), 2, QStringLiteral("0x4"),
-                                    {}, QStringLiteral("0")});
-    QVERIFY(writeFile(path, dictionaryXml(standardObjects()
-                                          + objectXml({idRecord, QStringLiteral("RECORD"), QStringLiteral("U32"), 4,
-                                                       QStringLiteral("0x4"), {}, QString(), subs}))));
-    COdictExtend dict(E_OT_STD);
-    dict.setObjectFilter(E_VO_BITSET);
-    QCOMPARE(dict.loadDictionary(path), 0);
-
-    QVERIFY(dict.hasVirtualSubObjects(COdictObjectId(idStatus)));
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(idRecord))); // stored sub-objects only
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(0x999)));    // unknown object
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObject()));
-    // An object is asked about by its id and its own sub-id list, not by the dictionary's copy.
-    COdictObject copy = dict.object(idStatus);
-    copy.clearSubIds();
-    QVERIFY(!dict.hasVirtualSubObjects(copy));
+    COdictValueObject control;
+    control.setId(idControl);
+    QVERIFY(!edit.setValueObject(control));
 }
 
 void tst_OdictExtend::saveLeavesVirtualObjectsOut()
@@ -422,7 +322,6 @@ void tst_OdictExtend::saveLeavesVirtualObjectsOut()
 
     COdictEdit plain(E_OT_EDITOR);
     QCOMPARE(plain.loadDictionary(saved), 0);
-    QCOMPARE(virtualObjectCount(plain), 0);
     QCOMPARE(plain.allObjectUIds().size(), dict.allObjectUIds().size() - 10);
     for (const COdictObjectId &uid : plain.allObjectUIds()) {
         QVERIFY(plain.object(uid).subIdList().isEmpty());
@@ -436,18 +335,24 @@ void tst_OdictExtend::saveLeavesVirtualObjectsOut()
     QCOMPARE(again.allObjectUIds(), dict.allObjectUIds());
 }
 
-void tst_OdictExtend::ownerValueReachesBits_data()
+void tst_OdictExtend::bitValues_data()
 {
     QTest::addColumn<uint>("value");
-    QTest::newRow("0b101") << 0x5u;
-    QTest::newRow("0b010") << 0x2u;
-    QTest::newRow("zero") << 0x0u;
-    QTest::newRow("bits above the bit set") << 0xFFF8u;
+    QTest::addColumn<uint>("bit");
+    QTest::addColumn<bool>("set");
+    QTest::addColumn<uint>("owner"); // after the bit is written
+
+    QTest::newRow("0b101, set bit 1") << 0x5u << 1u << true << 0x7u;
+    QTest::newRow("0b101, clear bit 0") << 0x5u << 0u << false << 0x4u;
+    QTest::newRow("only bits above the bit set, set bit 2") << 0xFFF8u << 2u << true << 0xFFFCu;
 }
 
-void tst_OdictExtend::ownerValueReachesBits()
+void tst_OdictExtend::bitValues()
 {
     QFETCH(uint, value);
+    QFETCH(uint, bit);
+    QFETCH(bool, set);
+    QFETCH(uint, owner);
 
     COdictExtendEdit dict(E_OT_VALUE);
     dict.setObjectFilter(E_VO_BITSET | E_VO_XY);
@@ -455,82 +360,38 @@ void tst_OdictExtend::ownerValueReachesBits()
     QCOMPARE(dict.object(idControl).subIdList(), (QList<unsigned int>{0, 1, 2}));
     QVERIFY(dict.hasVirtualSubObjects(dict.valueObject(idControl)));
 
-    COdictValueObject owner = dict.valueObject(idControl);
-    owner.setCurrentValue(CVariant::fromU64(value, NTypes::E_U16));
-    owner.setSetpointValue(CVariant::fromU64(~value & 0xFFFF, NTypes::E_U16));
-    owner.setError(7);
-    QVERIFY(dict.setValueObject(owner));
-
-    QCOMPARE(dict.valueObject(idControl).currentCValue().toU64(), quint64(value));
-    for (unsigned int bit = 0; bit < 3; ++bit) {
-        const COdictValueObject sub = dict.valueObject(idControl, bit);
+    // The owner's value reaches its bits.
+    COdictValueObject start = dict.valueObject(idControl);
+    start.setCurrentValue(CVariant::fromU64(value, NTypes::E_U16));
+    start.setSetpointValue(CVariant::fromU64(~value & 0xFFFF, NTypes::E_U16));
+    start.setError(7);
+    QVERIFY(dict.setValueObject(start));
+    for (unsigned int b = 0; b < 3; ++b) {
+        const COdictValueObject sub = dict.valueObject(idControl, b);
         QVERIFY(sub.isVirtual());
-        QCOMPARE(sub.currentValue().toBool(), bool(value & (1u << bit)));
-        QCOMPARE(sub.setpointValue().toBool(), !(value & (1u << bit)));
+        QCOMPARE(sub.currentValue().toBool(), bool(value & (1u << b)));
+        QCOMPARE(sub.setpointValue().toBool(), !(value & (1u << b)));
         QCOMPARE(sub.error(), 7);
     }
-    checkIndexInvariants(*dict.objectTree());
-}
 
-void tst_OdictExtend::bitWritesOwner_data()
-{
-    QTest::addColumn<uint>("bit");
-    QTest::addColumn<bool>("set");
-    QTest::addColumn<uint>("owner");
-
-    // The owner starts at 0b101.
-    QTest::newRow("set bit 1") << 1u << true << 0x7u;
-    QTest::newRow("clear bit 0") << 0u << false << 0x4u;
-    QTest::newRow("clear bit 2") << 2u << false << 0x1u;
-    QTest::newRow("set a bit already set") << 2u << true << 0x5u;
-}
-
-void tst_OdictExtend::bitWritesOwner()
-{
-    QFETCH(uint, bit);
-    QFETCH(bool, set);
-    QFETCH(uint, owner);
-
-    COdictExtendEdit dict(E_OT_VALUE);
-    dict.setObjectFilter(E_VO_BITSET);
-    buildValueTree(dict);
-    COdictValueObject start = dict.valueObject(idControl);
-    start.setCurrentValue(CVariant::fromU64(0x5, NTypes::E_U16));
-    start.setSetpointValue(CVariant::fromU64(0x2, NTypes::E_U16));
-    QVERIFY(dict.setValueObject(start));
-
+    // A bit written reaches the owner, whose other values are written back unchanged.
     COdictValueObject sub = dict.valueObject(idControl, bit);
-    QVERIFY(sub.isVirtual());
     sub.setCurrentValue(QVariant(set));
     QVERIFY(dict.setValueObject(sub));
-
     QCOMPARE(dict.valueObject(idControl).currentCValue().toU64(), quint64(owner));
-    QCOMPARE(dict.valueObject(idControl).setpointCValue().toU64(), quint64(0x2)); // written back unchanged
-    // Every bit reads as the owner's value says, the written one included.
+    QCOMPARE(dict.valueObject(idControl).setpointCValue().toU64(), quint64(~value & 0xFFFF));
     for (unsigned int b = 0; b < 3; ++b)
         QCOMPARE(dict.valueObject(idControl, b).currentValue().toBool(), bool(owner & (1u << b)));
     QVERIFY(dict.valueObject(idControl, bit).isVirtual());
-}
 
-void tst_OdictExtend::ownerValueReachesHalves()
-{
-    COdictExtendEdit dict(E_OT_VALUE);
-    dict.setObjectFilter(E_VO_XY);
-    buildValueTree(dict);
-    QCOMPARE(virtualChildren(dict, idXy), (QList<unsigned int>{0, 1, 2, 3}));
-
-    const QList<qint32> halves{10, -20, 300000, -4};
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out.setByteOrder(QDataStream::LittleEndian);
-    for (qint32 half : halves)
-        out << half;
-
-    COdictValueObject owner = dict.valueObject(idXy);
-    owner.setCurrentValue(QVariant(bytes));
-    QVERIFY(dict.setValueObject(owner));
-    for (int i = 0; i < halves.size(); ++i)
-        QCOMPARE(dict.valueObject(idXy, unsigned(i)).currentCValue().toI64(), qint64(halves.at(i)));
+    // A virtual object the dictionary does not hold has no owner to write into.
+    const COdictValueObject before = dict.valueObject(idControl);
+    COdictValueObject stray = dict.valueObject(idControl, 1);
+    stray.setSubId(7);
+    stray.setCurrentValue(QVariant(true));
+    QVERIFY(!dict.setValueObject(stray));
+    QVERIFY(dict.valueObject(idControl) == before);
+    checkIndexInvariants(*dict.objectTree());
 }
 
 void tst_OdictExtend::halfWritesOwner_data()
@@ -538,8 +399,7 @@ void tst_OdictExtend::halfWritesOwner_data()
     QTest::addColumn<uint>("subId");
     QTest::addColumn<int>("value");
     QTest::newRow("Y1") << 1u << -2;
-    QTest::newRow("X1") << 0u << 0x01020304;
-    QTest::newRow("Y2") << 3u << 77;
+    QTest::newRow("Y2") << 3u << 0x01020304;
 }
 
 void tst_OdictExtend::halfWritesOwner()
@@ -550,69 +410,29 @@ void tst_OdictExtend::halfWritesOwner()
     COdictExtendEdit dict(E_OT_VALUE);
     dict.setObjectFilter(E_VO_XY);
     buildValueTree(dict);
+    QCOMPARE(virtualChildren(dict, idXy), (QList<unsigned int>{0, 1, 2, 3}));
     QByteArray start(16, '\0');
     for (int i = 0; i < start.size(); ++i)
         start[i] = char(0xA0 + i);
     COdictValueObject owner = dict.valueObject(idXy);
     owner.setCurrentValue(QVariant(start));
     QVERIFY(dict.setValueObject(owner));
+    // Each half reads its four bytes as a little-endian signed number.
+    for (unsigned int i = 0; i < 4; ++i)
+        QCOMPARE(dict.valueObject(idXy, i).currentCValue().toI64(), qint64(qFromLittleEndian<qint32>(start.constData() + 4 * i)));
 
     COdictValueObject half = dict.valueObject(idXy, subId);
     QVERIFY(half.isVirtual());
     half.setCurrentValue(CVariant::fromI64(value, NTypes::E_I32));
     QVERIFY(dict.setValueObject(half));
 
+    // Only the four bytes of the half written change.
     QByteArray expected = start;
-    for (int i = 0; i < 4; ++i)
-        expected[int(subId) * 4 + i] = char((quint32(value) >> (8 * i)) & 0xFF);
-    QCOMPARE(bytesOf(dict.valueObject(idXy).currentValue(), 16), expected);
+    qToLittleEndian<qint32>(value, expected.data() + 4 * subId);
+    QByteArray bytes = dict.valueObject(idXy).currentValue().toByteArray();
+    bytes.resize(16);
+    QCOMPARE(bytes, expected);
     QCOMPARE(dict.valueObject(idXy, subId).currentCValue().toI64(), qint64(value));
-}
-
-void tst_OdictExtend::unknownVirtualObjectIsRefused()
-{
-    COdictExtendEdit dict(E_OT_VALUE);
-    dict.setObjectFilter(E_VO_BITSET);
-    buildValueTree(dict);
-    const COdictValueObject before = dict.valueObject(idControl);
-
-    // A virtual object the dictionary does not hold has no owner to write into.
-    COdictValueObject stray = dict.valueObject(idControl, 1);
-    stray.setSubId(7);
-    stray.setCurrentValue(QVariant(true));
-    QVERIFY(!dict.setValueObject(stray));
-    QVERIFY(dict.valueObject(idControl) == before);
-}
-
-void tst_OdictExtend::ownerLeavesStoredSubObjectsAlone()
-{
-    // A bit-set object with stored sub-objects has no virtual ones; setting it must not write
-    // bits into its stored sub-objects.
-    const QString subs = objectXml({idRecord, QStringLiteral("RECORD_0"), QStringLiteral("U16"), 2, QStringLiteral("0x4"),
-                                    {}, QStringLiteral("0")})
-        + objectXml({idRecord, QStringLiteral("RECORD_3"), QStringLiteral("U16"), 2, QStringLiteral("0x4"), {},
-                     QStringLiteral("3")});
-    const QString path = m_dir.filePath(QStringLiteral("stored.xml"));
-    QVERIFY(writeFile(path, dictionaryXml(objectXml({idRecord, QStringLiteral("RECORD"), QStringLiteral("U32"), 4,
-                                                     QStringLiteral("0x4"), {{0, QStringLiteral("Low")}}, QString(),
-                                                     subs}))));
-    COdictExtendEdit dict(E_OT_VALUE);
-    dict.setObjectFilter(E_VO_BITSET);
-    QCOMPARE(dict.loadDictionary(path), 0);
-    QCOMPARE(virtualObjectCount(dict), 0);
-
-    for (unsigned int subId : {0u, 3u}) {
-        COdictValueObject stored = dict.valueObject(idRecord, subId);
-        stored.setCurrentValue(CVariant::fromU64(0x1234 + subId, NTypes::E_U16));
-        QVERIFY(dict.setValueObject(stored));
-    }
-    COdictValueObject owner = dict.valueObject(idRecord);
-    owner.setCurrentValue(CVariant::fromU64(0x1, NTypes::E_U32));
-    QVERIFY(dict.setValueObject(owner));
-
-    QCOMPARE(dict.valueObject(idRecord).currentCValue().toU64(), quint64(1));
-    QCOMPARE(dict.valueObject(idRecord, 0).currentCValue().toU64(), quint64(0x1234));
-    QCOMPARE(dict.valueObject(idRecord, 3).currentCValue().toU64(), quint64(0x1237));
 }
 
 QTEST_GUILESS_MAIN(tst_OdictExtend)

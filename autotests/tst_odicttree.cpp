@@ -15,22 +15,20 @@ namespace {
 
 constexpr uint none = 0xFFFFFFFFu;
 
-template <typename T>
-QString debugText(const T &value)
+// A new node for an object of the tree's kind, registered with the tree but not linked.
+COdictNode *objectNode(COdictObjectTree &tree, const COdictObjectId &uid, const QString &name, bool *ok)
 {
-    QString text;
-    QDebug(&text) << value;
-    return text;
+    QScopedPointer<COdictObject> object(COdictItem().createObject(tree.objectType()));
+    object->setId(uid);
+    object->setName(name);
+    return tree.createObjectNode(*object, uid.subId() == none ? E_IT_OBJECT : E_IT_SUBOBJECT, ok);
 }
 
 // Registers an object of the tree's kind and links it below \a parent; null when refused.
 COdictNode *addObject(COdictObjectTree &tree, COdictNode *parent, const COdictObjectId &uid, const QString &name)
 {
-    QScopedPointer<COdictObject> object(COdictItem().createObject(tree.objectType()));
-    object->setId(uid);
-    object->setName(name);
     bool ok = false;
-    COdictNode *node = tree.createObjectNode(*object, uid.subId() == none ? E_IT_OBJECT : E_IT_SUBOBJECT, &ok);
+    COdictNode *node = objectNode(tree, uid, name, &ok);
     if (!ok) {
         delete node;
         return nullptr;
@@ -46,12 +44,19 @@ COdictNode *addGroup(const COdictObjectTree &tree, COdictNode *parent, const QSt
     return group;
 }
 
+COdictNode *addDictionary(COdictObjectTree &tree)
+{
+    tree.rootNode()->appendChild(tree.createDictionaryNode(QStringLiteral("Demo")));
+    return tree.dictionaryNode();
+}
+
 // root / "Demo" / { Alpha 0x1000, Motor { Speed 0x2001 {:1, :2}, Limits { Torque 0x2005 },
-// Current 0x2003 }, Empty {}, Beta 0x1002 }
+// Current 0x2003 }, Empty {}, Torque 0x1002 }
+// The two objects named Torque are no duplicates; the one registered later owns the name. Deeper in
+// the tree but registered earlier, 0x2005 catches index rebuilds that walk in another order.
 void fillSample(COdictObjectTree &tree)
 {
-    COdictNode *dictionary = tree.createDictionaryNode(QStringLiteral("Demo"));
-    tree.rootNode()->appendChild(dictionary);
+    COdictNode *dictionary = addDictionary(tree);
     addObject(tree, dictionary, 0x1000u, QStringLiteral("Alpha"));
     COdictNode *motor = addGroup(tree, dictionary, QStringLiteral("Motor"), QStringLiteral("Antrieb"));
     COdictNode *speed = addObject(tree, motor, 0x2001u, QStringLiteral("Speed"));
@@ -61,7 +66,7 @@ void fillSample(COdictObjectTree &tree)
     addObject(tree, limits, 0x2005u, QStringLiteral("Torque"));
     addObject(tree, motor, 0x2003u, QStringLiteral("Current"));
     addGroup(tree, dictionary, QStringLiteral("Empty"), QString());
-    addObject(tree, dictionary, 0x1002u, QStringLiteral("Beta"));
+    addObject(tree, dictionary, 0x1002u, QStringLiteral("Torque"));
 }
 
 QList<const COdictNode *> preOrder(const COdictNode *top)
@@ -77,16 +82,14 @@ QList<const COdictNode *> preOrder(const COdictNode *top)
     return nodes;
 }
 
-CXMLMetaData meta(quint32 version, const QString &author)
-{
-    return CXMLMetaData(QDate(2024, 5, 1), QTime(12, 0), author, QString(), NTypes::uVersion_t(version));
-}
+const CXMLMetaData meta(QDate(2024, 5, 1), QTime(12, 0), QStringLiteral("me"), QString(),
+                        NTypes::uVersion_t(0x01000000));
 
 } // namespace
 
 char *toString(const COdictObjectId &id)
 {
-    return qstrdup(debugText(id).toUtf8().constData());
+    return qstrdup(qPrintable(id.toStr(QStringLiteral("0x"))));
 }
 
 class tst_OdictTree : public QObject
@@ -94,63 +97,54 @@ class tst_OdictTree : public QObject
     Q_OBJECT
 
 private slots:
-    void emptyTree();
-    void lookups();
+    void lookupsAndObjectLists();
     void duplicateIdIsRejected_data();
     void duplicateIdIsRejected();
-    void duplicateNameIsNoDuplicate();
     void groupFallbackByName_data();
     void groupFallbackByName();
     void highestIds_data();
     void highestIds();
-    void allObjectUIdsOfNodes();
-    void findNodeByRefId();
     void copyAnswersWithItsOwnNodes();
-    void copyKeepsLaterNodeForSharedName();
     void clearEmptiesIndexes();
     void replaceObject_data();
     void replaceObject();
 };
 
-void tst_OdictTree::emptyTree()
-{
-    const COdictObjectTree tree(E_OT_EDITOR, nullptr);
-    QCOMPARE(tree.objectType(), E_OT_EDITOR);
-    QVERIFY(tree.rootNode());
-    QCOMPARE(tree.rootNode()->dataRef().type(), E_IT_UNKNOWN);
-    QVERIFY(!tree.dictionaryNode());
-    QCOMPARE(tree.highestId(), 0u);
-    QVERIFY(!tree.highestUId().isValid());
-    QVERIFY(tree.allObjectUIds().isEmpty());
-    QVERIFY(tree.allObjectIds().isEmpty());
-    QVERIFY(!tree.node(0x2000u, none));
-    QVERIFY(!tree.node(COdictObjectName(QStringLiteral("GROUP"))));
-    checkIndexInvariants(tree);
-}
-
-void tst_OdictTree::lookups()
+void tst_OdictTree::lookupsAndObjectLists()
 {
     COdictObjectTree tree(E_OT_VALUE, nullptr);
     fillSample(tree);
     checkIndexInvariants(tree);
-    if (QTest::currentTestFailed())
-        return;
+    const COdictNode *dictionary = tree.dictionaryNode();
+    const COdictNode *motor = dictionary->child(1);
+    const COdictNode *speed = motor->child(0);
 
-    const COdictNode *speed = tree.node(0x2001u, none);
-    QVERIFY(speed);
-    QCOMPARE(speed->dataRef().name(), QStringLiteral("Speed"));
-    QCOMPARE(tree.node(COdictObjectId(0x2001u)), speed);
+    QCOMPARE(tree.node(0x2001u, none), speed);
     QCOMPARE(tree.node(COdictObjectName(QStringLiteral("Speed"))), speed);
-    QCOMPARE(tree.node(0x2001u, 2u), speed->child(1));
     QCOMPARE(tree.node(QStringLiteral("Speed"), 2u), speed->child(1));
     QCOMPARE(tree.objectPtr(0x2001u, 2u), speed->child(1)->dataRef().objectPtr());
-    QCOMPARE(tree.objectPtr(QStringLiteral("Torque"), none)->id(), 0x2005u);
-
+    QCOMPARE(tree.objectPtr(QStringLiteral("Torque"), none)->id(), 0x1002u); // the later of two
+    QCOMPARE(tree.findNodeByRefId(speed->dataRef().refId()), speed);
+    QCOMPARE(tree.findNodeByRefId(tree.rootNode()->dataRef().refId()), tree.rootNode());
     QVERIFY(!tree.node(0x2001u, 3u));
-    QVERIFY(!tree.node(0x2002u, none));
     QVERIFY(!tree.objectPtr(0x2002u, none));
     QVERIFY(!tree.node(QStringLiteral("speed"), none)); // exact, case included
     QVERIFY(!tree.objectPtr(QStringLiteral("Nothing"), none));
+    QVERIFY(!tree.findNodeByRefId(QUuid::createUuid()));
+
+    // The whole dictionary: objects by key, then sub-objects.
+    QCOMPARE(tree.allObjectUIds(), (QList<COdictObjectId>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u,
+                                                          COdictObjectId(0x2001u, 1u), COdictObjectId(0x2001u, 2u)}));
+    QCOMPARE(tree.allObjectUIds(dictionary), tree.allObjectUIds());
+    QCOMPARE(tree.allObjectIds(), (QList<uint>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u, 0x2001u, 0x2001u}));
+    // Of a group: child order, the nested group spliced in at its place, no sub-objects.
+    QCOMPARE(tree.allObjectUIds(motor), (QList<COdictObjectId>{0x2001u, 0x2005u, 0x2003u}));
+    QCOMPARE(tree.allObjectUIds(motor->child(1)), QList<COdictObjectId>{0x2005u});
+    QVERIFY(tree.allObjectUIds(dictionary->child(2)).isEmpty()); // empty group
+    QVERIFY(tree.allObjectUIds(speed).isEmpty());                 // object
+    QVERIFY(tree.allObjectUIds(speed->child(0)).isEmpty());
+    QVERIFY(tree.allObjectUIds(tree.rootNode()).isEmpty());
+    QVERIFY(tree.allObjectIds(nullptr).isEmpty());
 }
 
 void tst_OdictTree::duplicateIdIsRejected_data()
@@ -177,19 +171,13 @@ void tst_OdictTree::duplicateIdIsRejected()
 
     CMemoryLogfile log;
     COdictObjectTree tree(E_OT_EDITOR, &log);
-    tree.rootNode()->appendChild(tree.createDictionaryNode(QStringLiteral("Demo")));
-    COdictNode *firstNode = addObject(tree, tree.dictionaryNode(), uid, first);
+    COdictNode *firstNode = addObject(tree, addDictionary(tree), uid, first);
     QVERIFY(firstNode);
-    QVERIFY(log.entries().isEmpty());
 
-    COdictEditorObject duplicate;
-    duplicate.setId(uid);
-    duplicate.setName(second);
     bool ok = true;
-    QScopedPointer<COdictNode> rejected(tree.createObjectNode(duplicate, E_IT_OBJECT, &ok));
+    QScopedPointer<COdictNode> rejected(objectNode(tree, uid, second, &ok));
     QVERIFY(!ok);
-    QVERIFY(rejected);
-    QVERIFY(!rejected->parent());
+    QVERIFY(rejected && !rejected->parent());
 
     QCOMPARE(log.entries().size(), 1);
     QCOMPARE(log.entries().at(0).severity, NkrLogfiles::E_SEV_CRITICAL);
@@ -197,22 +185,7 @@ void tst_OdictTree::duplicateIdIsRejected()
     QCOMPARE(log.entries().at(0).flags, 0u);
 
     QCOMPARE(tree.node(uid), firstNode);
-    QVERIFY(!tree.nameIndex().contains(COdictObjectName(second, uid.subId())));
-    checkIndexInvariants(tree);
-}
-
-void tst_OdictTree::duplicateNameIsNoDuplicate()
-{
-    CMemoryLogfile log;
-    COdictObjectTree tree(E_OT_STD, &log);
-    tree.rootNode()->appendChild(tree.createDictionaryNode(QStringLiteral("Demo")));
-    COdictNode *first = addObject(tree, tree.dictionaryNode(), 1u, QStringLiteral("Twin"));
-    COdictNode *second = addObject(tree, tree.dictionaryNode(), 2u, QStringLiteral("Twin"));
-    QVERIFY(first && second);
-    QVERIFY(log.entries().isEmpty());
-    QCOMPARE(tree.node(COdictObjectName(QStringLiteral("Twin"))), second); // the later insert wins
-    QCOMPARE(tree.node(1u, none), first);
-    checkIndexInvariants(tree);
+    checkIndexInvariants(tree); // no entry for the rejected node either
 }
 
 void tst_OdictTree::groupFallbackByName_data()
@@ -236,20 +209,16 @@ void tst_OdictTree::groupFallbackByName()
     QFETCH(uint, subId);
     QFETCH(QString, expected);
 
-    // Demo { GROUP "first" {}, Motor { GROUP "nested" { A }, Speed { :1 } }, GROUP "last" { B },
-    //        Empty {}, Speed group "shadow" { C } }
+    // The sample plus Motor { ..., GROUP "first" {}, GROUP "nested" { A } }, GROUP "last" { B } and a
+    // group "shadow" named Speed { C }: depth first, "nested" comes before "last".
     COdictObjectTree tree(E_OT_VALUE, nullptr);
-    COdictNode *dictionary = tree.createDictionaryNode(QStringLiteral("Demo"));
-    tree.rootNode()->appendChild(dictionary);
-    addGroup(tree, dictionary, QStringLiteral("GROUP"), QStringLiteral("first"));
-    COdictNode *motor = addGroup(tree, dictionary, QStringLiteral("Motor"), QStringLiteral("Antrieb"));
+    fillSample(tree);
+    COdictNode *dictionary = tree.dictionaryNode();
+    COdictNode *motor = dictionary->child(1);
+    addGroup(tree, motor, QStringLiteral("GROUP"), QStringLiteral("first"));
     addObject(tree, addGroup(tree, motor, QStringLiteral("GROUP"), QStringLiteral("nested")), 1u, QStringLiteral("A"));
-    COdictNode *speed = addObject(tree, motor, 0x10u, QStringLiteral("Speed"));
-    addObject(tree, speed, COdictObjectId(0x10u, 1u), QStringLiteral("Speed"));
     addObject(tree, addGroup(tree, dictionary, QStringLiteral("GROUP"), QStringLiteral("last")), 2u, QStringLiteral("B"));
-    addGroup(tree, dictionary, QStringLiteral("Empty"), QString());
-    addObject(tree, addGroup(tree, dictionary, QStringLiteral("Speed"), QStringLiteral("shadow")), 3u,
-              QStringLiteral("C"));
+    addObject(tree, addGroup(tree, dictionary, QStringLiteral("Speed"), QStringLiteral("shadow")), 3u, "C");
 
     const COdictNode *found = tree.node(COdictObjectName(name, subId));
     QCOMPARE(found ? found->dataRef().uiName() : QString(), expected);
@@ -286,49 +255,12 @@ void tst_OdictTree::highestIds()
     QFETCH(COdictObjectId, highestUId);
 
     COdictObjectTree tree(E_OT_STD, nullptr);
-    tree.rootNode()->appendChild(tree.createDictionaryNode(QStringLiteral("Demo")));
+    COdictNode *dictionary = addDictionary(tree);
     for (const COdictObjectId &key : keys)
-        QVERIFY(addObject(tree, tree.dictionaryNode(), key, QStringLiteral("O") + key.toStr(QString())));
-    QCOMPARE(tree.idIndex().size(), keys.size());
+        QVERIFY(addObject(tree, dictionary, key, QStringLiteral("O") + key.toStr(QString())));
 
     QCOMPARE(tree.highestId(), highestId);
     QCOMPARE(tree.highestUId(), highestUId);
-}
-
-void tst_OdictTree::allObjectUIdsOfNodes()
-{
-    COdictObjectTree tree(E_OT_VALUE, nullptr);
-    fillSample(tree);
-    const COdictNode *dictionary = tree.dictionaryNode();
-    const COdictNode *motor = dictionary->child(1);
-
-    const QList<COdictObjectId> all{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u, COdictObjectId(0x2001u, 1u),
-                                    COdictObjectId(0x2001u, 2u)};
-    QCOMPARE(tree.allObjectUIds(), all);
-    QCOMPARE(tree.allObjectUIds(dictionary), tree.allObjectUIds());
-    QCOMPARE(tree.allObjectIds(), (QList<uint>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u, 0x2001u, 0x2001u}));
-
-    // Child order, the nested group spliced in at its place, no sub-objects.
-    QCOMPARE(tree.allObjectUIds(motor), (QList<COdictObjectId>{0x2001u, 0x2005u, 0x2003u}));
-    QCOMPARE(tree.allObjectIds(motor), (QList<uint>{0x2001u, 0x2005u, 0x2003u}));
-    QCOMPARE(tree.allObjectUIds(motor->child(1)), QList<COdictObjectId>{0x2005u});
-
-    QVERIFY(tree.allObjectUIds(dictionary->child(2)).isEmpty()); // empty group
-    QVERIFY(tree.allObjectUIds(motor->child(0)).isEmpty());      // object
-    QVERIFY(tree.allObjectUIds(motor->child(0)->child(0)).isEmpty());
-    QVERIFY(tree.allObjectUIds(tree.rootNode()).isEmpty());
-    QVERIFY(tree.allObjectUIds(nullptr).isEmpty());
-    QVERIFY(tree.allObjectIds(nullptr).isEmpty());
-}
-
-void tst_OdictTree::findNodeByRefId()
-{
-    COdictObjectTree tree(E_OT_VALUE, nullptr);
-    fillSample(tree);
-    const COdictNode *torque = tree.node(0x2005u, none);
-    QCOMPARE(tree.findNodeByRefId(torque->dataRef().refId()), torque);
-    QCOMPARE(tree.findNodeByRefId(tree.rootNode()->dataRef().refId()), tree.rootNode());
-    QVERIFY(!tree.findNodeByRefId(QUuid::createUuid()));
 }
 
 void tst_OdictTree::copyAnswersWithItsOwnNodes()
@@ -336,18 +268,14 @@ void tst_OdictTree::copyAnswersWithItsOwnNodes()
     CMemoryLogfile log;
     auto *source = new COdictObjectTree(E_OT_EDITOR, &log);
     fillSample(*source);
+    QVERIFY(log.entries().isEmpty()); // a shared name is no duplicate
     source->setFileName(QStringLiteral("demo.xml"));
-    source->setMetaData(meta(0x01000000, QStringLiteral("me")));
+    source->setMetaData(meta);
     source->addWarning(QStringLiteral("careful"));
-    COdictDataStructure::SDataStructure_t structure;
-    structure.id = 4;
-    structure.uiName = QStringLiteral("Standard");
-    source->dataStructures().append(structure);
+    source->dataStructures().append({QStringLiteral("S"), QStringLiteral("Standard"), QString(), 4, {}});
 
     const COdictObjectTree copy(*source);
     checkIndexInvariants(copy);
-    if (QTest::currentTestFailed())
-        return;
 
     const QList<const COdictNode *> sourceNodes = preOrder(source->rootNode());
     const QList<const COdictNode *> copyNodes = preOrder(copy.rootNode());
@@ -357,12 +285,8 @@ void tst_OdictTree::copyAnswersWithItsOwnNodes()
         sourceParts << node << node->dataPtr() << node->dataRef().objectPtr();
     for (int i = 0; i < copyNodes.size(); ++i) {
         const COdictItem &item = copyNodes.at(i)->dataRef();
-        QVERIFY(!sourceParts.contains(copyNodes.at(i)));
-        QVERIFY(!sourceParts.contains(copyNodes.at(i)->dataPtr()));
-        if (item.hasObject())
-            QVERIFY(!sourceParts.contains(item.objectPtr()));
-        QCOMPARE(item.type(), sourceNodes.at(i)->dataRef().type());
-        QCOMPARE(item.name(), sourceNodes.at(i)->dataRef().name());
+        QVERIFY(!sourceParts.contains(copyNodes.at(i)) && !sourceParts.contains(&item));
+        QVERIFY(!item.hasObject() || !sourceParts.contains(item.objectPtr()));
         QCOMPARE(item.refId(), sourceNodes.at(i)->dataRef().refId());
     }
     QCOMPARE(copy.allObjectUIds(), source->allObjectUIds());
@@ -377,50 +301,29 @@ void tst_OdictTree::copyAnswersWithItsOwnNodes()
     delete source;
     checkIndexInvariants(copy);
     QCOMPARE(copy.node(0x2001u, 2u)->parent(), copy.node(0x2001u, none));
-    const COdictNode *motor = copy.node(COdictObjectName(QStringLiteral("Motor")));
-    QVERIFY(motor);
-    QCOMPARE(motor->dataRef().uiName(), QStringLiteral("Antrieb"));
-}
-
-void tst_OdictTree::copyKeepsLaterNodeForSharedName()
-{
-    // Rebuilding the indexes of a copy must visit nodes in the order they were registered, so
-    // that a shared name keeps pointing at the same position as in the source.
-    COdictObjectTree source(E_OT_STD, nullptr);
-    COdictNode *dictionary = source.createDictionaryNode(QStringLiteral("Demo"));
-    source.rootNode()->appendChild(dictionary);
-    COdictNode *group = addGroup(source, dictionary, QStringLiteral("G"), QString());
-    addObject(source, group, 1u, QStringLiteral("Twin"));
-    addObject(source, group, 2u, QStringLiteral("Twin"));
-    addObject(source, dictionary, 3u, QStringLiteral("Twin"));
-    QCOMPARE(source.objectPtr(COdictObjectName(QStringLiteral("Twin")))->id(), 3u);
-
-    const COdictObjectTree copy(source);
-    QCOMPARE(copy.objectPtr(COdictObjectName(QStringLiteral("Twin")))->id(), 3u);
-    checkIndexInvariants(copy);
+    QCOMPARE(copy.node(COdictObjectName(QStringLiteral("Motor"))), copy.dictionaryNode()->child(1));
+    QCOMPARE(copy.objectPtr(COdictObjectName(QStringLiteral("Torque")))->id(), 0x1002u);
 }
 
 void tst_OdictTree::clearEmptiesIndexes()
 {
     COdictObjectTree tree(E_OT_EDITOR, nullptr);
     fillSample(tree);
-    tree.setMetaData(meta(0x01000000, QStringLiteral("me")));
+    tree.setMetaData(meta);
     tree.addWarning(QStringLiteral("careful"));
     tree.dataStructures().append(COdictDataStructure::SDataStructure_t());
 
     tree.clear();
-    QVERIFY(tree.idIndex().isEmpty());
-    QVERIFY(tree.nameIndex().isEmpty());
+    checkIndexInvariants(tree); // empty indexes for an empty tree
     QVERIFY(!tree.dictionaryNode());
-    QCOMPARE(tree.rootNode()->childCount(), 0);
-    QVERIFY(!tree.node(0x2001u, none));
     QVERIFY(!tree.node(COdictObjectName(QStringLiteral("Motor"))));
     QCOMPARE(tree.highestId(), 0u);
+    QVERIFY(!tree.highestUId().isValid());
+    QVERIFY(tree.allObjectUIds().isEmpty());
     QCOMPARE(tree.metaData(), CXMLMetaData());
     QCOMPARE(tree.dataStructures().size(), 0);
     QVERIFY(tree.warningMessages().isEmpty());
     QCOMPARE(tree.history().size(), 1); // the history stays
-    checkIndexInvariants(tree);
 
     // The cleared tree is usable again.
     fillSample(tree);
@@ -461,9 +364,6 @@ void tst_OdictTree::replaceObject()
     const bool result = asEditor ? tree.replaceObject(editor, oldId) : tree.replaceObject(COdictValueObject(editor), oldId);
     QCOMPARE(result, accepted);
     checkIndexInvariants(tree);
-    if (QTest::currentTestFailed())
-        return;
-
     if (accepted) {
         QCOMPARE(tree.node(newId, none), current);
         QCOMPARE(tree.node(COdictObjectName(newName)), current);

@@ -5,7 +5,6 @@
 #include "odicttreecompare.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
@@ -13,6 +12,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <type_traits>
 
 using namespace NkrOdict;
 
@@ -31,67 +31,55 @@ QByteArray fileBytes(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// One field of an object as text, by the names used in the data tables.
-QString fieldText(const COdictObject &o, const QString &field)
+/// The fields of object \a id / \a subId of the basic file as "field=value" texts: the common ones
+/// and the editor extras as an editor dictionary reads them, the value extras as a value dictionary does.
+QStringList basicFields(unsigned int id, unsigned int subId)
 {
-    for (const QString &entry : objectFields(o)) {
-        if (entry.startsWith(field + QLatin1Char('=')))
-            return entry.mid(field.size() + 1);
-    }
-    if (o.objectType() == E_OT_EDITOR) {
-        const auto &e = static_cast<const COdictEditorObject &>(o);
-        if (field == QLatin1String("defString"))
-            return e.defString();
-        if (field == QLatin1String("fwVariable"))
-            return e.fwVariablename();
-        if (field == QLatin1String("fwFunction"))
-            return e.fwFunctionname();
-        if (field == QLatin1String("accessType"))
-            return QString::number(e.accessType());
-        if (field == QLatin1String("shortDescription"))
-            return e.shortDescription();
-        if (field == QLatin1String("description"))
-            return e.description();
-    }
-    return QStringLiteral("<no field %1>").arg(field);
+    COdict editorDict(E_OT_EDITOR);
+    COdict valueDict(E_OT_VALUE);
+    if (editorDict.loadDictionary(dataFile("xml_basic.xml")) != 0 || valueDict.loadDictionary(dataFile("xml_basic.xml")) != 0
+        || !editorDict.objectPtr(id, subId))
+        return {};
+    const COdictEditorObject e = editorDict.editorObject(id, subId);
+    const COdictValueObject v = valueDict.valueObject(id, subId);
+    return objectFields(e) << QStringLiteral("defString=") + e.defString() << QStringLiteral("fwVariable=") + e.fwVariablename()
+                           << QStringLiteral("fwFunction=") + e.fwFunctionname()
+                           << QStringLiteral("accessType=%1").arg(e.accessType())
+                           << QStringLiteral("description=") + e.description()
+                           << QStringLiteral("rwSize=%1").arg(v.readWriteByteSize())
+                           << QStringLiteral("rwIndex=%1").arg(v.readWriteByteIndex())
+                           << QStringLiteral("hex=%1").arg(v.isValueInHexEnabled());
 }
 
-/// The item types of a node's children, for shape checks ("G:MOTOR O:0x2002 ...").
+/// The item types of a node's children, for shape checks ("G:MOTOR O:0x2002 S:1 ...").
 QString childShape(const COdictNode *node)
 {
     QStringList parts;
     for (const COdictNode *child : node->children()) {
         const COdictItem &item = child->dataRef();
-        switch (item.type()) {
-        case E_IT_GROUP:
-            parts << QStringLiteral("G:%1").arg(item.name());
-            break;
-        case E_IT_OBJECT:
+        if (item.type() == E_IT_OBJECT)
             parts << QStringLiteral("O:0x%1").arg(item.objectPtr()->id(), 0, 16);
-            break;
-        case E_IT_SUBOBJECT:
+        else if (item.type() == E_IT_SUBOBJECT)
             parts << QStringLiteral("S:%1").arg(item.objectPtr()->subId());
-            break;
-        default:
-            parts << QStringLiteral("?:%1").arg(item.name());
-        }
+        else
+            parts << QStringLiteral("%1:%2").arg(item.type() == E_IT_GROUP ? QStringLiteral("G") : QStringLiteral("?"), item.name());
     }
     return parts.join(QLatin1Char(' '));
 }
 
-/// Writes \a count nested groups with one object in the innermost, without holding the file in memory.
-bool writeDeepFile(const QString &path, int count)
+/// Writes a dictionary document named \a name whose content \a body writes, straight into the file,
+/// so that large documents are never held in memory.
+template <class Body>
+bool writeDocument(const QString &path, const char *name, Body body)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
     file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<KiroObjectDictionary version=\"1.2.0\">\n"
-               "<Header><Version>1.0.0</Version></Header>\n<Name>Deep</Name>\n");
-    for (int i = 0; i < count; ++i)
-        file.write(QStringLiteral("<Group><Name>g%1</Name><UiName>Level %1</UiName>\n").arg(i).toUtf8());
-    file.write("<Object id=\"0x2000\"><Name>BOTTOM</Name><Type>U16</Type><DataSize>2</DataSize></Object>\n");
-    for (int i = 0; i < count; ++i)
-        file.write("</Group>\n");
+               "<Header><Version>1.0.0</Version></Header>\n<Name>");
+    file.write(name);
+    file.write("</Name>\n");
+    body(file);
     file.write("</KiroObjectDictionary>\n");
     return file.error() == QFile::NoError;
 }
@@ -106,455 +94,6 @@ int firstChildDepth(const COdictNode *node)
     }
     return depth;
 }
-
-} // namespace
-
-class tst_OdictXml : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void loadsGroupsObjectsAndSubObjects();
-    void readsFields_data();
-    void readsFields();
-    void readsValueExtras();
-    void documentDataOnlyForEditorDictionaries_data();
-    void documentDataOnlyForEditorDictionaries();
-    void badContentWarnsAndSkips();
-    void badFilesAreRejected_data();
-    void badFilesAreRejected();
-    void parameterSetsIntoEditorReadDictionary();
-    void parameterDictionaryExpectsParameterSets();
-    void secondLoadReplacesEverything();
-    void loadEmitsChanged();
-    void documentWithoutNameLoadsEmpty();
-    void loadIntoUnknownKindIsRejected();
-    void deepNestingLoadsCopiesAndSaves();
-    void manyObjectsLoad();
-    void hugeNameLoads();
-    void roundTrip_data();
-    void roundTrip();
-    void fileRoundTripIsStable_data();
-    void fileRoundTripIsStable();
-    void saveKeepsOldFileOnFailure_data();
-    void saveKeepsOldFileOnFailure();
-    void saveRecordsFileName();
-    void virtualObjectsAreNotSaved();
-    void savedFileLoadsDespiteUnwritableCharacters();
-};
-
-void tst_OdictXml::loadsGroupsObjectsAndSubObjects()
-{
-    CMemoryLogfile log;
-    COdict dict(E_OT_EDITOR, &log);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    QVERIFY(dict.isValid());
-    QCOMPARE(dict.warningMessages(), QStringList());
-    QCOMPARE(log.count(NkrLogfiles::E_SEV_WARNING), 0);
-    QCOMPARE(log.count(NkrLogfiles::E_SEV_CRITICAL), 0);
-
-    const COdictObjectTree &tree = *dict.objectTree();
-    checkIndexInvariants(tree);
-    const COdictNode *dictionary = tree.dictionaryNode();
-    QVERIFY(dictionary);
-    QCOMPARE(dictionary->dataRef().type(), E_IT_DICTIONARY);
-    QCOMPARE(dictionary->dataRef().name(), QStringLiteral("Basic"));
-    // The unknown element and the object inside it are skipped.
-    QCOMPARE(childShape(dictionary), QStringLiteral("G:MOTOR O:0x2002 O:0x2003"));
-    const COdictNode *motor = dictionary->child(0);
-    QCOMPARE(motor->dataRef().uiName(), QStringLiteral("Motor data"));
-    QCOMPARE(childShape(motor), QStringLiteral("O:0x2000 G:STATUS"));
-    QCOMPARE(childShape(motor->child(1)), QStringLiteral("O:0x2001"));
-    const COdictNode *curve = dictionary->child(1);
-    QCOMPARE(childShape(curve), QStringLiteral("S:1 S:2"));
-    QCOMPARE(curve->dataRef().objectPtr()->subIdList(), (QList<unsigned int>{1, 2}));
-    QCOMPARE(tree.idIndex().size(), 6);
-    QVERIFY(!dict.contains(0x3000u));
-    QCOMPARE(dict.node(0x2002u, 2u), curve->child(1));
-}
-
-void tst_OdictXml::readsFields_data()
-{
-    QTest::addColumn<uint>("id");
-    QTest::addColumn<uint>("subId");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("name upper-cased") << 0x2000u << NoSub << "name" << "SPEED";
-    QTest::newRow("ui name keeps case") << 0x2000u << NoSub << "uiName" << "Speed Setpoint";
-    QTest::newRow("ui short name") << 0x2000u << NoSub << "uiShortName" << "n set";
-    QTest::newRow("reference id") << 0x2000u << NoSub << "refId" << "{12345678-9abc-def0-1234-56789abcdef0}";
-    QTest::newRow("array length from size") << 0x2000u << NoSub << "arrayLength" << "1";
-    QTest::newRow("version element") << 0x2000u << NoSub << "version" << "1.2.0";
-    QTest::newRow("version attribute") << 0x2001u << NoSub << "version" << "2.0.1";
-    QTest::newRow("hex usage") << 0x2000u << NoSub << "usage" << "0x2";
-    QTest::newRow("hex access rights") << 0x2000u << NoSub << "access" << "0xa";
-    QTest::newRow("hex DS402 id") << 0x2000u << NoSub << "ds402" << "0x4000";
-    QTest::newRow("user levels") << 0x2000u << NoSub << "levels" << "2/3/4";
-    QTest::newRow("missing usage is 1") << 0x2003u << NoSub << "usage" << "0x1";
-    QTest::newRow("missing digits are -1") << 0x2003u << NoSub << "digits" << "-1";
-    QTest::newRow("missing units are 0") << 0x2003u << NoSub << "unit" << "0";
-    QTest::newRow("missing user levels are 0") << 0x2003u << NoSub << "levels" << "0/0/0";
-    QTest::newRow("minimum") << 0x2000u << NoSub << "xMin" << "U16 0";
-    QTest::newRow("maximum") << 0x2000u << NoSub << "xMax" << "U16 3000";
-    QTest::newRow("missing default of U16 is 0") << 0x2000u << NoSub << "xDef" << "U16 0";
-    QTest::newRow("missing limits are type limits") << 0x2001u << NoSub << "xMax" << "U32 4294967295";
-    QTest::newRow("missing default of a text is empty") << 0x2003u << NoSub << "xDef" << "null VISIBLE_STRING";
-    QTest::newRow("XY minimum X as I32") << 0x2002u << NoSub << "xMin" << "I32 1";
-    QTest::newRow("XY minimum Y as I32") << 0x2002u << NoSub << "yMin" << "I32 2";
-    QTest::newRow("XY empty parts dropped") << 0x2002u << NoSub << "yMax" << "I32 200";
-    QTest::newRow("XY single part is X only") << 0x2002u << NoSub << "yDef" << "null UNKNOWN";
-    QTest::newRow("enum, item without value") << 0x2000u << NoSub << "enum"
-                                              << "-1:Reverse,0:Off,9223372036854775807:Unset";
-    QTest::newRow("bit set, bit without pos") << 0x2001u << NoSub << "bits" << "0:Ready,3:Fault,4294967295:Nowhere";
-    QTest::newRow("sub-id attribute") << 0x2002u << 1u << "name" << "CURVE_1";
-    QTest::newRow("sub-id element") << 0x2002u << 2u << "subId" << "0x2";
-    QTest::newRow("sub-object default") << 0x2002u << 1u << "xDef" << "I32 7";
-    QTest::newRow("editor default text") << 0x2000u << NoSub << "defString" << "SPEED_DEFAULT";
-    QTest::newRow("editor variable") << 0x2000u << NoSub << "fwVariable" << "g_speed";
-    QTest::newRow("editor function") << 0x2000u << NoSub << "fwFunction" << "speedAccess";
-    QTest::newRow("editor access type") << 0x2000u << NoSub << "accessType" << "3";
-    QTest::newRow("editor missing access type is 1") << 0x2003u << NoSub << "accessType" << "1";
-    QTest::newRow("editor description") << 0x2000u << NoSub << "description" << "Speed setpoint of the motor";
-}
-
-void tst_OdictXml::readsFields()
-{
-    QFETCH(uint, id);
-    QFETCH(uint, subId);
-    QFETCH(QString, field);
-    QFETCH(QString, expected);
-
-    COdict dict(E_OT_EDITOR);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    const COdictObject *object = dict.objectPtr(id, subId);
-    QVERIFY(object);
-    QCOMPARE(fieldText(*object, field), expected);
-}
-
-void tst_OdictXml::readsValueExtras()
-{
-    COdict dict(E_OT_VALUE);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    const COdictValueObject read = dict.valueObject(0x2000u);
-    QCOMPARE(read.objectType(), E_OT_VALUE);
-    QCOMPARE(read.readWriteByteSize(), 2LL);
-    QCOMPARE(read.readWriteByteIndex(), 1LL);
-    QVERIFY(read.isValueInHexEnabled());
-    const COdictValueObject defaults = dict.valueObject(0x2003u);
-    QCOMPARE(defaults.readWriteByteSize(), -1LL);
-    QCOMPARE(defaults.readWriteByteIndex(), 0LL);
-    QVERIFY(!defaults.isValueInHexEnabled());
-}
-
-void tst_OdictXml::documentDataOnlyForEditorDictionaries_data()
-{
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<int>("historySize");
-    QTest::addColumn<int>("structures");
-
-    QTest::newRow("editor") << int(E_OT_EDITOR) << 2 << 1;
-    QTest::newRow("value") << int(E_OT_VALUE) << 0 << 0;
-    QTest::newRow("plain") << int(E_OT_STD) << 0 << 0;
-}
-
-void tst_OdictXml::documentDataOnlyForEditorDictionaries()
-{
-    QFETCH(int, kind);
-    QFETCH(int, historySize);
-    QFETCH(int, structures);
-
-    COdictEdit dict{eObjectType_t(kind)};
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    QCOMPARE(dict.odictMetaData().author(), QStringLiteral("Test bench"));
-    QCOMPARE(dict.odictMetaData().time(), QTime(10, 11, 12));
-    const COdictHistory history = dict.odictHistory();
-    QCOMPARE(history.size(), historySize);
-    QCOMPARE(dict.odictDataStructureList().size(), structures);
-    if (historySize == 0)
-        return;
-    QCOMPARE(history.at(0).comment(), QStringLiteral("Second"));
-    QCOMPARE(history.at(1).version(), NTypes::uVersion_t::fromParts(1, 2, 0));
-    const COdictDataStructure::SDataStructure_t s = dict.odictDataStructureList().at(0);
-    QCOMPARE(s.id, 3);
-    QCOMPARE(s.name, QStringLiteral("PARAM"));
-    QCOMPARE(s.uiName, QStringLiteral("Parameter"));
-    QCOMPARE(s.members.size(), 2);
-    QCOMPARE(s.members.at(0).source, COdictDataStructure::E_MS_ID);
-    QCOMPARE(s.members.at(1).literal, QStringLiteral("42"));
-}
-
-void tst_OdictXml::badContentWarnsAndSkips()
-{
-    CMemoryLogfile log;
-    COdict dict(E_OT_EDITOR, &log);
-    log.clear();
-    QCOMPARE(dict.loadDictionary(dataFile("xml_bad_content.xml")), 0);
-    QVERIFY(dict.isValid());
-    checkIndexInvariants(*dict.objectTree());
-
-    // No id: no node, one warning.
-    const QStringList warnings = dict.warningMessages();
-    QCOMPARE(warnings.filter(QStringLiteral("'id'")).size(), 1);
-    QVERIFY(!dict.node(QStringLiteral("NO_ID")));
-
-    // Unreadable numbers: the conversion error text, and the default.
-    for (const char *bad : {"'two'", "'-x'", "'0x1FFFFFFFF'", "'low'"})
-        QVERIFY2(warnings.filter(QLatin1String(bad)).size() == 1, bad);
-    QCOMPARE(warnings.filter(QStringLiteral("<DataSize>")).size(), 1);
-    const COdictObject numbers = dict.object(0x2000u);
-    QCOMPARE(numbers.name(), QStringLiteral("NUMBERS"));
-    QCOMPARE(numbers.dataSize(), 0u);
-    QCOMPARE(numbers.digits(), -1);
-    QCOMPARE(numbers.userlevelRead(), 0u);
-    // Three parts: the first two are used, with a warning.
-    QCOMPARE(warnings.filter(QStringLiteral("3 values")).size(), 1);
-    QCOMPARE(variantText(numbers.xDefaultValue()), QStringLiteral("U16 1"));
-    QCOMPARE(variantText(numbers.yDefaultValue()), QStringLiteral("U16 2"));
-    // Every warning reached the log as well.
-    QCOMPARE(log.texts(NkrLogfiles::E_SEV_WARNING), warnings);
-
-    // Duplicates are dropped with a critical message; the first object stays.
-    const QStringList criticals = log.texts(NkrLogfiles::E_SEV_CRITICAL);
-    QCOMPARE(criticals.size(), 2);
-    QCOMPARE(criticals.at(0),
-             QStringLiteral("Double Object-ID detected : ID 0x2000 Sub-ID 0xffffffff; NUMBERS, DUPLICATE"));
-    QCOMPARE(criticals.at(1), QStringLiteral("Double Object-ID detected : ID 0x2001 Sub-ID 0x1; OWNER_1, OWNER_1_AGAIN"));
-    QCOMPARE(dict.object(0x2001u, 1u).name(), QStringLiteral("OWNER_1"));
-    // The owner's sub-id list is unchanged by the dropped duplicate, and the sub-object's own
-    // "SubObjects" is not read.
-    const COdictNode *owner = dict.node(0x2001u);
-    QCOMPARE(owner->dataRef().objectPtr()->subIdList(), QList<unsigned int>{1});
-    QCOMPARE(childShape(owner), QStringLiteral("S:1"));
-    QCOMPARE(owner->child(0)->childCount(), 0);
-    QVERIFY(!dict.contains(0x2001u, 5u));
-    QVERIFY(!dict.node(QStringLiteral("NESTED")));
-    QCOMPARE(dict.allObjectUIds().size(), 3);
-}
-
-void tst_OdictXml::badFilesAreRejected_data()
-{
-    QTest::addColumn<QString>("path");
-
-    QTest::newRow("missing file") << QStringLiteral("/nonexistent/dictionary.xml");
-    QTest::newRow("directory") << QFINDTESTDATA("data");
-    QTest::newRow("empty file") << dataFile("xml_empty.xml");
-    QTest::newRow("not XML") << dataFile("xml_not_xml.xml");
-    QTest::newRow("truncated") << dataFile("xml_truncated.xml");
-    QTest::newRow("other document type") << dataFile("xml_wrong_type.xml");
-    QTest::newRow("other version") << dataFile("xml_wrong_version.xml");
-}
-
-void tst_OdictXml::badFilesAreRejected()
-{
-    QFETCH(QString, path);
-
-    CMemoryLogfile log;
-    COdict dict(E_OT_EDITOR, &log);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    QCOMPARE(dict.loadDictionary(path), 1);
-    QVERIFY(!dict.isValid());
-    QCOMPARE(dict.fileName(), path);
-    // Nothing of the failed file nor of the previous one is left, not even in the indexes.
-    QVERIFY(!dict.objectTree()->dictionaryNode());
-    QVERIFY(dict.allObjectUIds().isEmpty());
-    QVERIFY(dict.objectTree()->nameIndex().isEmpty());
-    QVERIFY(!dict.contains(0x2000u));
-    QCOMPARE(dict.warningMessages().size(), 1); // the reason
-}
-
-void tst_OdictXml::parameterSetsIntoEditorReadDictionary()
-{
-    COdict dict(E_OT_EDITOR);
-    dict.loadParameterSets(dataFile("xml_basic.xml"));
-    QVERIFY(dict.isValid());
-    QVERIFY(dict.contains(0x2000u));
-    dict.loadParameterSets(dataFile("xml_parameter_sets.xml"));
-    QVERIFY(!dict.isValid());
-}
-
-void tst_OdictXml::parameterDictionaryExpectsParameterSets()
-{
-    COdict dict(E_OT_PARAMETER);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 1);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_parameter_sets.xml")), 0);
-    QVERIFY(dict.isValid());
-
-    const COdictParameterObject gain = dict.parameterObject(0x2000u);
-    QCOMPARE(gain.error(), 5);
-    // Sets 0 to 62 only; entries without a set number are skipped.
-    QCOMPARE(gain.values().keys(), (QList<int>{0, 62}));
-    QCOMPARE(gain.value(0).toLongLong(), -12LL);
-    QCOMPARE(gain.value(62).toLongLong(), 40LL);
-    // Arrays travel as hexadecimal bytes.
-    const COdictParameterObject table = dict.parameterObject(0x2001u);
-    QCOMPARE(table.arrayLength(), 3u);
-    QCOMPARE(table.value(1).toByteArray(), QByteArray::fromHex("0a0b0c"));
-
-    // loadParameterDictionary asks for a dictionary document, which the parameter path accepts.
-    dict.loadParameterDictionary(dataFile("xml_basic.xml"));
-    QVERIFY(dict.isValid());
-    QVERIFY(dict.contains(0x2002u, 1u));
-}
-
-void tst_OdictXml::secondLoadReplacesEverything()
-{
-    COdict dict(E_OT_EDITOR);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_bad_content.xml")), 0);
-    QVERIFY(!dict.warningMessages().isEmpty());
-    QVERIFY(dict.contains(0x2001u, 1u));
-
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    QCOMPARE(dict.warningMessages(), QStringList());
-    QVERIFY(!dict.contains(0x2001u, 1u));
-    QCOMPARE(dict.object(0x2000u).name(), QStringLiteral("SPEED"));
-    QCOMPARE(dict.allObjectUIds().size(), 6);
-    QCOMPARE(dict.objectTree()->rootNode()->childCount(), 1);
-    QCOMPARE(dict.fileName(), dataFile("xml_basic.xml"));
-    checkIndexInvariants(*dict.objectTree());
-}
-
-void tst_OdictXml::loadEmitsChanged()
-{
-    COdict dict(E_OT_VALUE);
-    QSignalSpy spy(dict.objectTree(), &COdictObjectTree::objectDictionaryChanged);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_empty.xml")), 1);
-    QCOMPARE(spy.count(), 2); // the failed load emptied the tree
-}
-
-void tst_OdictXml::documentWithoutNameLoadsEmpty()
-{
-    COdict dict(E_OT_EDITOR);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_noname.xml")), 0);
-    QVERIFY(dict.isValid());
-    QVERIFY(!dict.objectTree()->dictionaryNode());
-    QVERIFY(dict.allObjectUIds().isEmpty());
-    QVERIFY(dict.objectTree()->nameIndex().isEmpty());
-}
-
-void tst_OdictXml::loadIntoUnknownKindIsRejected()
-{
-    CMemoryLogfile log;
-    COdict dict(E_OT_UNKNOWN, &log);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 1);
-    QVERIFY(!dict.isValid());
-    QVERIFY(!dict.odictTree());
-    dict.loadParameterSets(dataFile("xml_basic.xml"));
-    QVERIFY(!dict.isValid());
-}
-
-void tst_OdictXml::deepNestingLoadsCopiesAndSaves()
-{
-    const int depth = 10000;
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("deep.xml"));
-    QVERIFY(writeDeepFile(path, depth));
-
-    auto dict = std::make_unique<COdictEdit>(E_OT_EDITOR);
-    QCOMPARE(dict->loadDictionary(path), 0);
-    QCOMPARE(dict->warningMessages(), QStringList());
-    QCOMPARE(firstChildDepth(dict->objectTree()->dictionaryNode()), depth);
-    const COdictNode *bottom = dict->node(0x2000u);
-    QVERIFY(bottom);
-    QCOMPARE(bottom->parent()->dataRef().name(), QStringLiteral("G%1").arg(depth - 1));
-
-    // A copy has its own nodes and indexes.
-    auto copy = std::make_unique<COdict>(*dict);
-    QVERIFY(copy->node(0x2000u));
-    QVERIFY(copy->node(0x2000u) != bottom);
-    QCOMPARE(firstChildDepth(copy->objectTree()->dictionaryNode()), depth);
-    dict.reset();
-    QCOMPARE(copy->object(0x2000u).name(), QStringLiteral("BOTTOM"));
-
-    // Saving and reading back keeps the depth.
-    COdictEdit writer(E_OT_EDITOR);
-    QCOMPARE(writer.loadDictionary(path), 0);
-    const QString saved = dir.filePath(QStringLiteral("saved.xml"));
-    QCOMPARE(writer.saveDictionary(saved), 0);
-    // Indentation stops at some depth, so the file grows linearly with the nesting.
-    QVERIFY2(QFileInfo(saved).size() < 2 * QFileInfo(path).size(), qPrintable(QString::number(QFileInfo(saved).size())));
-    COdict reread(E_OT_EDITOR);
-    QCOMPARE(reread.loadDictionary(saved), 0);
-    compareTrees(*writer.objectTree(), *reread.objectTree());
-}
-
-void tst_OdictXml::manyObjectsLoad()
-{
-    const int count = 10000;
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("many.xml"));
-    {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<KiroObjectDictionary version=\"1.2.0\">\n"
-                   "<Header><Version>1.0.0</Version></Header>\n<Name>Many</Name>\n<Group><Name>All</Name>\n");
-        for (int i = 0; i < count; ++i) {
-            file.write(QStringLiteral("<Object id=\"0x%1\"><Name>OBJ_%2</Name><UiName>Object %2</UiName>"
-                                      "<Type>I32</Type><DataSize>4</DataSize><MinVal>-%2</MinVal><MaxVal>%2</MaxVal>"
-                                      "<DefVal>0</DefVal><Enum><Item value=\"0\">Off</Item><Item value=\"1\">On</Item></Enum>"
-                                      "</Object>\n")
-                           .arg(0x2000 + i, 0, 16)
-                           .arg(i)
-                           .toUtf8());
-        }
-        file.write("</Group>\n</KiroObjectDictionary>\n");
-    }
-    COdict dict(E_OT_EDITOR);
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(dict.loadDictionary(path), 0);
-    const qint64 elapsed = timer.elapsed();
-    QCOMPARE(dict.allObjectUIds().size(), count);
-    QCOMPARE(dict.objectTree()->nameIndex().size(), count);
-    QCOMPARE(dict.object(0x2000u + count - 1).name(), QStringLiteral("OBJ_%1").arg(count - 1));
-    QCOMPARE(dict.highestId(), 0x2000u + count - 1);
-    qDebug("%d objects loaded in %lld ms", count, elapsed);
-}
-
-void tst_OdictXml::hugeNameLoads()
-{
-    // 50 MB of name text, written in slices so the test itself never holds it twice.
-    const int sliceSize = 1 << 20;
-    const int slices = 50;
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("huge.xml"));
-    {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<KiroObjectDictionary version=\"1.2.0\">\n"
-                   "<Header><Version>1.0.0</Version></Header>\n<Name>Huge</Name>\n"
-                   "<Object id=\"0x2000\"><Name>");
-        const QByteArray slice(sliceSize, 'n');
-        for (int i = 0; i < slices; ++i)
-            file.write(slice);
-        file.write("</Name><Type>U16</Type></Object>\n<Object id=\"0x2001\"><Name>AFTER</Name></Object>\n"
-                   "</KiroObjectDictionary>\n");
-    }
-    COdict dict(E_OT_STD);
-    QCOMPARE(dict.loadDictionary(path), 0);
-    const COdictObject *huge = dict.objectPtr(0x2000u);
-    QVERIFY(huge);
-    QCOMPARE(huge->name().size(), sliceSize * slices);
-    QVERIFY(huge->name().startsWith(QStringLiteral("NNNN")));
-    QCOMPARE(dict.object(0x2001u).name(), QStringLiteral("AFTER"));
-}
-
-void tst_OdictXml::roundTrip_data()
-{
-    QTest::addColumn<int>("kind");
-
-    QTest::newRow("editor") << int(E_OT_EDITOR);
-    QTest::newRow("value") << int(E_OT_VALUE);
-    QTest::newRow("parameter") << int(E_OT_PARAMETER);
-    QTest::newRow("plain") << int(E_OT_STD);
-}
-
-namespace {
 
 /// Fills \a object of any kind with one set of test values: limits and default of \a type,
 /// reference id, enumeration or bit set, and the extras of its own class.
@@ -665,17 +204,19 @@ COdictNode *addObject(COdictObjectTree &tree, COdictNode *parent, unsigned int i
     return node;
 }
 
+/// Builds a dictionary of objects of the class X into \a dict: nested and empty groups, sub-objects,
+/// an array, an XY pair and a text; editor dictionaries also get a history and data structures.
 template <class X>
-void buildDictionary(COdictObjectTree &tree)
+void buildDictionary(COdictEdit &dict)
 {
+    COdictObjectTree &tree = *dict.objectTree();
     COdictNode *dictionary = tree.createDictionaryNode(QStringLiteral("Built in code"));
     tree.rootNode()->appendChild(dictionary);
     COdictNode *outer = tree.createGroupNode(QStringLiteral("OUTER"), QStringLiteral("Outer group"));
     dictionary->appendChild(outer);
     COdictNode *inner = tree.createGroupNode(QStringLiteral("INNER"), QStringLiteral("Inner group"));
     outer->appendChild(inner);
-    COdictNode *empty = tree.createGroupNode(QStringLiteral("EMPTY"), QString());
-    outer->appendChild(empty);
+    outer->appendChild(tree.createGroupNode(QStringLiteral("EMPTY"), QString()));
 
     addObject<X>(tree, dictionary, 0x1000, NoSub, QStringLiteral("TOP"), NTypes::E_U32, 0);
     addObject<X>(tree, outer, 0x2000, NoSub, QStringLiteral("WITH_ENUM"), NTypes::E_I16, 1);
@@ -685,40 +226,12 @@ void buildDictionary(COdictObjectTree &tree)
     addObject<X>(tree, inner, 0x2002, NoSub, QStringLiteral("PAIR"), NTypes::E_XY, 4);
     addObject<X>(tree, outer, 0x2003, NoSub, QStringLiteral("TABLE"), NTypes::E_U32, 3);
     addObject<X>(tree, dictionary, 0x2004, NoSub, QStringLiteral("TEXT"), NTypes::E_VSTRING, 5);
-}
-
-} // namespace
-
-void tst_OdictXml::roundTrip()
-{
-    QFETCH(int, kind);
-
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    CMemoryLogfile log;
-    COdictEdit built(eObjectType_t(kind), &log);
-    COdictObjectTree &tree = *built.objectTree();
-    switch (kind) {
-    case E_OT_EDITOR:
-        buildDictionary<COdictEditorObject>(tree);
-        break;
-    case E_OT_VALUE:
-        buildDictionary<COdictValueObject>(tree);
-        break;
-    case E_OT_PARAMETER:
-        buildDictionary<COdictParameterObject>(tree);
-        break;
-    default:
-        buildDictionary<COdictObject>(tree);
-    }
-    QCOMPARE(tree.idIndex().size(), 8);
-    checkIndexInvariants(tree);
-    if (kind == E_OT_EDITOR) {
+    if constexpr (std::is_same_v<X, COdictEditorObject>) {
         // Three versions, newest first; times without milliseconds, as the file keeps seconds.
         for (int v = 0; v < 3; ++v)
-            built.setOdictMetaData(CXMLMetaData(QDate(2020 + v, 1, 2), QTime(8, v, 0), QStringLiteral("Author %1").arg(v),
-                                                QStringLiteral("Release %1").arg(v), NTypes::uVersion_t::fromParts(1, v, 0)));
-        QCOMPARE(built.odictHistory().size(), 3);
+            dict.setOdictMetaData(CXMLMetaData(QDate(2020 + v, 1, 2), QTime(8, v, 0), QStringLiteral("Author %1").arg(v),
+                                               QStringLiteral("Release %1").arg(v), NTypes::uVersion_t::fromParts(1, v, 0)));
+        QCOMPARE(dict.odictHistory().size(), 3);
         COdictDataStructure::SDataStructure_t s;
         s.id = 4;
         s.name = QStringLiteral("PARAM");
@@ -726,26 +239,404 @@ void tst_OdictXml::roundTrip()
         s.description = QStringLiteral("All <parameters> & more");
         s.members.append({QStringLiteral("uint32_t"), QStringLiteral("id"), COdictDataStructure::E_MS_ID, QString()});
         s.members.append({QStringLiteral("int"), QStringLiteral("fixed"), COdictDataStructure::E_MS_LITERAL, QStringLiteral("-1")});
-        built.odictDataStructureList().append(s);
+        dict.odictDataStructureList().append(s);
         s.id = 0;
         s.members.clear();
-        built.odictDataStructureList().append(s);
+        dict.odictDataStructureList().append(s);
     }
+}
 
+} // namespace
+
+using Builder = void (*)(COdictEdit &);
+Q_DECLARE_METATYPE(Builder)
+
+class tst_OdictXml : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void loadsGroupsObjectsAndSubObjects();
+    void readsFields_data();
+    void readsFields();
+    void badContentWarnsAndSkips();
+    void badFilesAreRejected_data();
+    void badFilesAreRejected();
+    void documentKindMustMatch();
+    void secondLoadReplacesEverything();
+    void deepNestingLoadsCopiesAndSaves();
+    void hugeNameLoads();
+    void roundTrip_data();
+    void roundTrip();
+    void saveKeepsOldFileOnFailure_data();
+    void saveKeepsOldFileOnFailure();
+    void saveLeavesOutWhatCannotBeStored();
+};
+
+void tst_OdictXml::loadsGroupsObjectsAndSubObjects()
+{
+    CMemoryLogfile log;
+    COdictEdit dict(E_OT_EDITOR, &log);
+    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
+    QVERIFY(dict.isValid());
+    QCOMPARE(dict.warningMessages(), QStringList());
+    QCOMPARE(log.count(NkrLogfiles::E_SEV_WARNING), 0);
+    QCOMPARE(log.count(NkrLogfiles::E_SEV_CRITICAL), 0);
+
+    const COdictObjectTree &tree = *dict.objectTree();
+    checkIndexInvariants(tree);
+    const COdictNode *dictionary = tree.dictionaryNode();
+    QVERIFY(dictionary);
+    QCOMPARE(dictionary->dataRef().type(), E_IT_DICTIONARY);
+    QCOMPARE(dictionary->dataRef().name(), QStringLiteral("Basic"));
+    // The unknown element and the object inside it are skipped.
+    QCOMPARE(childShape(dictionary), QStringLiteral("G:MOTOR O:0x2002 O:0x2003"));
+    const COdictNode *motor = dictionary->child(0);
+    QCOMPARE(motor->dataRef().uiName(), QStringLiteral("Motor data"));
+    QCOMPARE(childShape(motor), QStringLiteral("O:0x2000 G:STATUS"));
+    QCOMPARE(childShape(motor->child(1)), QStringLiteral("O:0x2001"));
+    const COdictNode *curve = dictionary->child(1);
+    QCOMPARE(childShape(curve), QStringLiteral("S:1 S:2"));
+    QCOMPARE(curve->dataRef().objectPtr()->subIdList(), (QList<unsigned int>{1, 2}));
+    QCOMPARE(tree.idIndex().size(), 6);
+    QVERIFY(!dict.contains(0x3000u));
+    QCOMPARE(dict.node(0x2002u, 2u), curve->child(1));
+
+    // The head is read by all kinds; history and data structures by editor dictionaries only.
+    QCOMPARE(dict.odictMetaData().author(), QStringLiteral("Test bench"));
+    QCOMPARE(dict.odictMetaData().time(), QTime(10, 11, 12));
+    const COdictHistory history = dict.odictHistory();
+    QCOMPARE(history.size(), 2);
+    QCOMPARE(history.at(0).comment(), QStringLiteral("Second"));
+    QCOMPARE(history.at(1).version(), NTypes::uVersion_t::fromParts(1, 2, 0));
+    QCOMPARE(dict.odictDataStructureList().size(), 1);
+    const COdictDataStructure::SDataStructure_t s = dict.odictDataStructureList().at(0);
+    QCOMPARE(s.id, 3);
+    QCOMPARE(s.name, QStringLiteral("PARAM"));
+    QCOMPARE(s.uiName, QStringLiteral("Parameter"));
+    QCOMPARE(s.members.size(), 2);
+    QCOMPARE(s.members.at(0).source, COdictDataStructure::E_MS_ID);
+    QCOMPARE(s.members.at(1).literal, QStringLiteral("42"));
+    for (eObjectType_t kind : {E_OT_VALUE, E_OT_STD}) {
+        COdictEdit other(kind);
+        QCOMPARE(other.loadDictionary(dataFile("xml_basic.xml")), 0);
+        QCOMPARE(other.odictMetaData().author(), QStringLiteral("Test bench"));
+        QCOMPARE(other.odictHistory().size(), 0);
+        QCOMPARE(other.odictDataStructureList().size(), 0);
+    }
+}
+
+void tst_OdictXml::readsFields_data()
+{
+    QTest::addColumn<uint>("id");
+    QTest::addColumn<uint>("subId");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("name upper-cased") << 0x2000u << NoSub << "name=SPEED";
+    QTest::newRow("ui name keeps case") << 0x2000u << NoSub << "uiName=Speed Setpoint";
+    QTest::newRow("reference id") << 0x2000u << NoSub << "refId={12345678-9abc-def0-1234-56789abcdef0}";
+    QTest::newRow("array length from size") << 0x2000u << NoSub << "arrayLength=1";
+    QTest::newRow("version element") << 0x2000u << NoSub << "version=1.2.0";
+    QTest::newRow("version attribute") << 0x2001u << NoSub << "version=2.0.1";
+    QTest::newRow("hex usage") << 0x2000u << NoSub << "usage=0x2";
+    QTest::newRow("user levels") << 0x2000u << NoSub << "levels=2/3/4";
+    QTest::newRow("missing usage is 1") << 0x2003u << NoSub << "usage=0x1";
+    QTest::newRow("missing digits are -1") << 0x2003u << NoSub << "digits=-1";
+    QTest::newRow("missing user levels are 0") << 0x2003u << NoSub << "levels=0/0/0";
+    QTest::newRow("maximum") << 0x2000u << NoSub << "xMax=U16 3000";
+    QTest::newRow("missing default of U16 is 0") << 0x2000u << NoSub << "xDef=U16 0";
+    QTest::newRow("missing limits are type limits") << 0x2001u << NoSub << "xMax=U32 4294967295";
+    QTest::newRow("missing default of a text is empty") << 0x2003u << NoSub << "xDef=null VISIBLE_STRING";
+    QTest::newRow("XY minimum Y as I32") << 0x2002u << NoSub << "yMin=I32 2";
+    QTest::newRow("XY empty parts dropped") << 0x2002u << NoSub << "yMax=I32 200";
+    QTest::newRow("XY single part is X only") << 0x2002u << NoSub << "yDef=null UNKNOWN";
+    QTest::newRow("enum, item without value") << 0x2000u << NoSub << "enum=-1:Reverse,0:Off,9223372036854775807:Unset";
+    QTest::newRow("bit set, bit without pos") << 0x2001u << NoSub << "bits=0:Ready,3:Fault,4294967295:Nowhere";
+    QTest::newRow("sub-id attribute") << 0x2002u << 1u << "name=CURVE_1";
+    QTest::newRow("sub-id element") << 0x2002u << 2u << "subId=0x2";
+    QTest::newRow("sub-object default") << 0x2002u << 1u << "xDef=I32 7";
+    QTest::newRow("editor default text") << 0x2000u << NoSub << "defString=SPEED_DEFAULT";
+    QTest::newRow("editor variable") << 0x2000u << NoSub << "fwVariable=g_speed";
+    QTest::newRow("editor access type") << 0x2000u << NoSub << "accessType=3";
+    QTest::newRow("editor missing access type is 1") << 0x2003u << NoSub << "accessType=1";
+    QTest::newRow("editor description") << 0x2000u << NoSub << "description=Speed setpoint of the motor";
+    QTest::newRow("value byte size") << 0x2000u << NoSub << "rwSize=2";
+    QTest::newRow("value byte index") << 0x2000u << NoSub << "rwIndex=1";
+    QTest::newRow("value in hex") << 0x2000u << NoSub << "hex=1";
+    QTest::newRow("value missing byte size is -1") << 0x2003u << NoSub << "rwSize=-1";
+    QTest::newRow("value missing hex is off") << 0x2003u << NoSub << "hex=0";
+}
+
+void tst_OdictXml::readsFields()
+{
+    QFETCH(uint, id);
+    QFETCH(uint, subId);
+    QFETCH(QString, expected);
+
+    const QStringList fields = basicFields(id, subId);
+    QVERIFY2(fields.contains(expected), qPrintable(fields.join(QLatin1Char('\n'))));
+}
+
+void tst_OdictXml::badContentWarnsAndSkips()
+{
+    CMemoryLogfile log;
+    COdict dict(E_OT_EDITOR, &log);
+    log.clear();
+    QCOMPARE(dict.loadDictionary(dataFile("xml_bad_content.xml")), 0);
+    QVERIFY(dict.isValid());
+    checkIndexInvariants(*dict.objectTree());
+
+    // No id: no node, one warning.
+    const QStringList warnings = dict.warningMessages();
+    QCOMPARE(warnings.filter(QStringLiteral("'id'")).size(), 1);
+    QVERIFY(!dict.node(QStringLiteral("NO_ID")));
+
+    // Unreadable numbers: the conversion error text, and the default.
+    for (const char *bad : {"'two'", "'-x'", "'0x1FFFFFFFF'", "'low'"})
+        QVERIFY2(warnings.filter(QLatin1String(bad)).size() == 1, bad);
+    QCOMPARE(warnings.filter(QStringLiteral("<DataSize>")).size(), 1);
+    const COdictObject numbers = dict.object(0x2000u);
+    QCOMPARE(numbers.name(), QStringLiteral("NUMBERS"));
+    QCOMPARE(numbers.dataSize(), 0u);
+    QCOMPARE(numbers.digits(), -1);
+    QCOMPARE(numbers.userlevelRead(), 0u);
+    // Three parts: the first two are used, with a warning.
+    QCOMPARE(warnings.filter(QStringLiteral("3 values")).size(), 1);
+    QCOMPARE(variantText(numbers.xDefaultValue()), QStringLiteral("U16 1"));
+    QCOMPARE(variantText(numbers.yDefaultValue()), QStringLiteral("U16 2"));
+    // Every warning reached the log as well.
+    QCOMPARE(log.texts(NkrLogfiles::E_SEV_WARNING), warnings);
+
+    // Duplicates are dropped with a critical message; the first object stays.
+    const QStringList criticals = log.texts(NkrLogfiles::E_SEV_CRITICAL);
+    QCOMPARE(criticals.size(), 2);
+    QCOMPARE(criticals.at(0),
+             QStringLiteral("Double Object-ID detected : ID 0x2000 Sub-ID 0xffffffff; NUMBERS, DUPLICATE"));
+    QCOMPARE(criticals.at(1), QStringLiteral("Double Object-ID detected : ID 0x2001 Sub-ID 0x1; OWNER_1, OWNER_1_AGAIN"));
+    QCOMPARE(dict.object(0x2001u, 1u).name(), QStringLiteral("OWNER_1"));
+    // The owner's sub-id list is unchanged by the dropped duplicate, and the sub-object's own
+    // "SubObjects" is not read.
+    const COdictNode *owner = dict.node(0x2001u);
+    QCOMPARE(owner->dataRef().objectPtr()->subIdList(), QList<unsigned int>{1});
+    QCOMPARE(childShape(owner), QStringLiteral("S:1"));
+    QCOMPARE(owner->child(0)->childCount(), 0);
+    QVERIFY(!dict.contains(0x2001u, 5u));
+    QVERIFY(!dict.node(QStringLiteral("NESTED")));
+    QCOMPARE(dict.allObjectUIds().size(), 3);
+}
+
+void tst_OdictXml::badFilesAreRejected_data()
+{
+    QTest::addColumn<QString>("path");
+
+    QTest::newRow("missing file") << QStringLiteral("/nonexistent/dictionary.xml");
+    QTest::newRow("directory") << QFINDTESTDATA("data");
+    QTest::newRow("empty file") << dataFile("xml_empty.xml");
+    QTest::newRow("not XML") << dataFile("xml_not_xml.xml");
+    QTest::newRow("truncated") << dataFile("xml_truncated.xml");
+    QTest::newRow("other document type") << dataFile("xml_wrong_type.xml");
+    QTest::newRow("other version") << dataFile("xml_wrong_version.xml");
+}
+
+void tst_OdictXml::badFilesAreRejected()
+{
+    QFETCH(QString, path);
+
+    CMemoryLogfile log;
+    COdict dict(E_OT_EDITOR, &log);
+    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
+    QCOMPARE(dict.loadDictionary(path), 1);
+    QVERIFY(!dict.isValid());
+    QCOMPARE(dict.fileName(), path);
+    // Nothing of the failed file nor of the previous one is left, not even in the indexes.
+    QVERIFY(!dict.objectTree()->dictionaryNode());
+    QVERIFY(dict.allObjectUIds().isEmpty());
+    QVERIFY(dict.objectTree()->nameIndex().isEmpty());
+    QVERIFY(!dict.contains(0x2000u));
+    QCOMPARE(dict.warningMessages().size(), 1); // the reason
+}
+
+void tst_OdictXml::documentKindMustMatch()
+{
+    // An editor dictionary reads "parameter sets" only from a dictionary document.
+    COdict editor(E_OT_EDITOR);
+    editor.loadParameterSets(dataFile("xml_basic.xml"));
+    QVERIFY(editor.isValid());
+    QVERIFY(editor.contains(0x2000u));
+    editor.loadParameterSets(dataFile("xml_parameter_sets.xml"));
+    QVERIFY(!editor.isValid());
+
+    CMemoryLogfile log;
+    COdict unknown(E_OT_UNKNOWN, &log);
+    QCOMPARE(unknown.loadDictionary(dataFile("xml_basic.xml")), 1);
+    QVERIFY(!unknown.isValid());
+    QVERIFY(!unknown.odictTree());
+    unknown.loadParameterSets(dataFile("xml_basic.xml"));
+    QVERIFY(!unknown.isValid());
+
+    COdict dict(E_OT_PARAMETER);
+    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 1);
+    QCOMPARE(dict.loadDictionary(dataFile("xml_parameter_sets.xml")), 0);
+    QVERIFY(dict.isValid());
+    const COdictParameterObject gain = dict.parameterObject(0x2000u);
+    QCOMPARE(gain.error(), 5);
+    // Sets 0 to 62 only; entries without a set number are skipped.
+    QCOMPARE(gain.values().keys(), (QList<int>{0, 62}));
+    QCOMPARE(gain.value(0).toLongLong(), -12LL);
+    QCOMPARE(gain.value(62).toLongLong(), 40LL);
+    // Arrays travel as hexadecimal bytes.
+    const COdictParameterObject table = dict.parameterObject(0x2001u);
+    QCOMPARE(table.arrayLength(), 3u);
+    QCOMPARE(table.value(1).toByteArray(), QByteArray::fromHex("0a0b0c"));
+    // loadParameterDictionary asks for a dictionary document, which the parameter path accepts.
+    dict.loadParameterDictionary(dataFile("xml_basic.xml"));
+    QVERIFY(dict.isValid());
+    QVERIFY(dict.contains(0x2002u, 1u));
+}
+
+void tst_OdictXml::secondLoadReplacesEverything()
+{
+    COdict dict(E_OT_EDITOR);
+    QSignalSpy spy(dict.objectTree(), &COdictObjectTree::objectDictionaryChanged);
+    QCOMPARE(dict.loadDictionary(dataFile("xml_bad_content.xml")), 0);
+    QVERIFY(!dict.warningMessages().isEmpty());
+    QVERIFY(dict.contains(0x2001u, 1u));
+
+    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
+    QCOMPARE(dict.warningMessages(), QStringList());
+    QVERIFY(!dict.contains(0x2001u, 1u));
+    QCOMPARE(dict.object(0x2000u).name(), QStringLiteral("SPEED"));
+    QCOMPARE(dict.allObjectUIds().size(), 6);
+    QCOMPARE(dict.objectTree()->rootNode()->childCount(), 1);
+    checkIndexInvariants(*dict.objectTree());
+
+    QCOMPARE(dict.loadDictionary(dataFile("xml_empty.xml")), 1);
+    QCOMPARE(spy.count(), 3); // the failed load emptied the tree
+
+    // A document without a name is valid, and empty.
+    QCOMPARE(dict.loadDictionary(dataFile("xml_noname.xml")), 0);
+    QVERIFY(dict.isValid());
+    QVERIFY(!dict.objectTree()->dictionaryNode());
+    QVERIFY(dict.allObjectUIds().isEmpty());
+    QVERIFY(dict.objectTree()->nameIndex().isEmpty());
+}
+
+void tst_OdictXml::deepNestingLoadsCopiesAndSaves()
+{
+    const int depth = 10000;
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("deep.xml"));
+    QVERIFY(writeDocument(path, "Deep", [depth](QFile &file) {
+        for (int i = 0; i < depth; ++i)
+            file.write(QStringLiteral("<Group><Name>g%1</Name><UiName>Level %1</UiName>\n").arg(i).toUtf8());
+        file.write("<Object id=\"0x2000\"><Name>BOTTOM</Name><Type>U16</Type><DataSize>2</DataSize></Object>\n");
+        for (int i = 0; i < depth; ++i)
+            file.write("</Group>\n");
+    }));
+
+    auto dict = std::make_unique<COdictEdit>(E_OT_EDITOR);
+    QCOMPARE(dict->loadDictionary(path), 0);
+    QCOMPARE(dict->warningMessages(), QStringList());
+    QCOMPARE(firstChildDepth(dict->objectTree()->dictionaryNode()), depth);
+    const COdictNode *bottom = dict->node(0x2000u);
+    QVERIFY(bottom);
+    QCOMPARE(bottom->parent()->dataRef().name(), QStringLiteral("G%1").arg(depth - 1));
+
+    // Saving and reading back keeps the depth. Indentation stops at some depth, so the file grows
+    // linearly with the nesting.
+    const QString saved = dir.filePath(QStringLiteral("saved.xml"));
+    QCOMPARE(dict->saveDictionary(saved), 0);
+    QVERIFY2(QFileInfo(saved).size() < 2 * QFileInfo(path).size(), qPrintable(QString::number(QFileInfo(saved).size())));
+    COdict reread(E_OT_EDITOR);
+    QCOMPARE(reread.loadDictionary(saved), 0);
+    compareTrees(*dict->objectTree(), *reread.objectTree());
+
+    // A copy has its own nodes and indexes.
+    const COdict copy(*dict);
+    QVERIFY(copy.node(0x2000u));
+    QVERIFY(copy.node(0x2000u) != bottom);
+    QCOMPARE(firstChildDepth(copy.objectTree()->dictionaryNode()), depth);
+    dict.reset();
+    QCOMPARE(copy.object(0x2000u).name(), QStringLiteral("BOTTOM"));
+}
+
+void tst_OdictXml::hugeNameLoads()
+{
+    // 50 MB of name text, written in slices so the test itself never holds it twice.
+    const int sliceSize = 1 << 20;
+    const int slices = 50;
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("huge.xml"));
+    QVERIFY(writeDocument(path, "Huge", [&](QFile &file) {
+        file.write("<Object id=\"0x2000\"><Name>");
+        const QByteArray slice(sliceSize, 'n');
+        for (int i = 0; i < slices; ++i)
+            file.write(slice);
+        file.write("</Name><Type>U16</Type></Object>\n<Object id=\"0x2001\"><Name>AFTER</Name></Object>\n");
+    }));
+    COdict dict(E_OT_STD);
+    QCOMPARE(dict.loadDictionary(path), 0);
+    const COdictObject *huge = dict.objectPtr(0x2000u);
+    QVERIFY(huge);
+    QCOMPARE(huge->name().size(), sliceSize * slices);
+    QVERIFY(huge->name().startsWith(QStringLiteral("NNNN")));
+    QCOMPARE(dict.object(0x2001u).name(), QStringLiteral("AFTER"));
+}
+
+void tst_OdictXml::roundTrip_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<Builder>("build"); // builds the dictionary in code, or:
+    QTest::addColumn<QString>("path");  // loads it from this file
+
+    QTest::newRow("built, editor") << int(E_OT_EDITOR) << &buildDictionary<COdictEditorObject> << QString();
+    QTest::newRow("built, value") << int(E_OT_VALUE) << &buildDictionary<COdictValueObject> << QString();
+    QTest::newRow("built, parameter") << int(E_OT_PARAMETER) << &buildDictionary<COdictParameterObject> << QString();
+    QTest::newRow("built, plain") << int(E_OT_STD) << &buildDictionary<COdictObject> << QString();
+    QTest::newRow("file, editor") << int(E_OT_EDITOR) << Builder() << dataFile("xml_basic.xml");
+    QTest::newRow("file, value") << int(E_OT_VALUE) << Builder() << dataFile("xml_basic.xml");
+    QTest::newRow("file, bad content") << int(E_OT_EDITOR) << Builder() << dataFile("xml_bad_content.xml");
+}
+
+void tst_OdictXml::roundTrip()
+{
+    QFETCH(int, kind);
+    QFETCH(Builder, build);
+    QFETCH(QString, path);
+
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    CMemoryLogfile log;
+    COdictEdit original(eObjectType_t(kind), &log);
+    if (build) {
+        build(original);
+        QCOMPARE(original.allObjectUIds().size(), 8);
+    } else {
+        QCOMPARE(original.loadDictionary(path), 0);
+    }
+    checkIndexInvariants(*original.objectTree());
+    log.clear();
+
+    // Saving over an older file replaces all of it and records the new name.
     const QString first = dir.filePath(QStringLiteral("first.xml"));
-    QCOMPARE(built.saveDictionary(first), 0);
+    QVERIFY(QFile::copy(dataFile("xml_noname.xml"), first));
+    QCOMPARE(original.saveDictionary(first), 0);
+    QCOMPARE(original.fileName(), first);
     QCOMPARE(log.count(NkrLogfiles::E_SEV_WARNING), 0);
 
     COdictEdit reread{eObjectType_t(kind)};
     QCOMPARE(reread.loadDictionary(first), 0);
     QCOMPARE(reread.warningMessages(), QStringList());
-    compareTrees(tree, *reread.objectTree());
+    compareTrees(*original.objectTree(), *reread.objectTree());
     if (QTest::currentTestFailed())
         return;
     checkIndexInvariants(*reread.objectTree());
     if (kind != E_OT_PARAMETER)
-        QVERIFY(reread.odictMetaData() == built.odictMetaData());
+        QVERIFY(reread.odictMetaData() == original.odictMetaData());
 
+    // What was read saves to the same bytes.
     const QString second = dir.filePath(QStringLiteral("second.xml"));
     QCOMPARE(reread.saveDictionary(second), 0);
     QByteArray a = fileBytes(first);
@@ -762,38 +653,6 @@ void tst_OdictXml::roundTrip()
     }
     QVERIFY(!a.isEmpty());
     QCOMPARE(b, a);
-}
-
-void tst_OdictXml::fileRoundTripIsStable_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("kind");
-
-    QTest::newRow("editor, basic") << dataFile("xml_basic.xml") << int(E_OT_EDITOR);
-    QTest::newRow("value, basic") << dataFile("xml_basic.xml") << int(E_OT_VALUE);
-    QTest::newRow("editor, bad content") << dataFile("xml_bad_content.xml") << int(E_OT_EDITOR);
-}
-
-void tst_OdictXml::fileRoundTripIsStable()
-{
-    QFETCH(QString, path);
-    QFETCH(int, kind);
-
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    COdictEdit loaded{eObjectType_t(kind)};
-    QCOMPARE(loaded.loadDictionary(path), 0);
-    const QString saved = dir.filePath(QStringLiteral("saved.xml"));
-    QCOMPARE(loaded.saveDictionary(saved), 0);
-    COdictEdit reread{eObjectType_t(kind)};
-    QCOMPARE(reread.loadDictionary(saved), 0);
-    QCOMPARE(reread.warningMessages(), QStringList());
-    compareTrees(*loaded.objectTree(), *reread.objectTree());
-    if (QTest::currentTestFailed())
-        return;
-    const QString again = dir.filePath(QStringLiteral("again.xml"));
-    QCOMPARE(reread.saveDictionary(again), 0);
-    QCOMPARE(fileBytes(again), fileBytes(saved));
 }
 
 void tst_OdictXml::saveKeepsOldFileOnFailure_data()
@@ -829,68 +688,37 @@ void tst_OdictXml::saveKeepsOldFileOnFailure()
              existing.startsWith(QLatin1String("dir/")) ? 1 : 0);
 }
 
-void tst_OdictXml::saveRecordsFileName()
-{
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("out.xml"));
-    QVERIFY(QFile::copy(dataFile("xml_noname.xml"), path));
-    COdictEdit dict(E_OT_EDITOR);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    QCOMPARE(dict.saveDictionary(path), 0);
-    QCOMPARE(dict.fileName(), path);
-    // The previous content is fully replaced.
-    COdict reread(E_OT_EDITOR);
-    QCOMPARE(reread.loadDictionary(path), 0);
-    QCOMPARE(reread.allObjectUIds(), dict.allObjectUIds());
-}
-
-void tst_OdictXml::virtualObjectsAreNotSaved()
+void tst_OdictXml::saveLeavesOutWhatCannotBeStored()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     COdictEdit dict(E_OT_EDITOR);
     QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    COdictObjectTree &tree = *dict.objectTree();
+    // A virtual sub-object,
     COdictNode *owner = dict.node(0x2001u);
     COdictEditorObject bit = owner->dataRef().toEditorObject();
     bit.setSubId(3);
     bit.setName(QStringLiteral("STATUS_WORD_3"));
     bit.setVirtual(true);
     bool ok = false;
-    COdictNode *node = tree.createObjectNode(bit, E_IT_SUBOBJECT, &ok);
+    owner->appendChild(dict.objectTree()->createObjectNode(bit, E_IT_SUBOBJECT, &ok));
     QVERIFY(ok);
-    owner->appendChild(node);
+    // and characters that XML cannot carry.
+    COdictEditorObject o = dict.editorObject(0x2000u);
+    o.setDescription(QStringLiteral("bell\x07 tab\t end") + QChar(0xFFFF));
+    o.setUiName(QStringLiteral("vertical\x0Btab"));
+    QVERIFY(dict.setEditorObject(o));
+    dict.objectTree()->dictionaryNode()->child(0)->dataPtr()->setUiName(QStringLiteral("group\x01"));
 
     const QString path = dir.filePath(QStringLiteral("out.xml"));
     QCOMPARE(dict.saveDictionary(path), 0);
     const QByteArray bytes = fileBytes(path);
     QVERIFY(!bytes.contains("STATUS_WORD_3"));
     QVERIFY(!bytes.contains("<SubObjects/>"));
-    COdict reread(E_OT_EDITOR);
-    QCOMPARE(reread.loadDictionary(path), 0);
-    QVERIFY(!reread.contains(0x2001u, 3u));
-    QCOMPARE(reread.node(0x2001u)->childCount(), 0);
-}
-
-void tst_OdictXml::savedFileLoadsDespiteUnwritableCharacters()
-{
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    COdictEdit dict(E_OT_EDITOR);
-    QCOMPARE(dict.loadDictionary(dataFile("xml_basic.xml")), 0);
-    COdictEditorObject o = dict.editorObject(0x2000u);
-    o.setDescription(QStringLiteral("bell\x07 tab\t end") + QChar(0xFFFF));
-    o.setUiName(QStringLiteral("vertical\x0Btab"));
-    QVERIFY(dict.setEditorObject(o));
-    COdictNode *motor = dict.objectTree()->dictionaryNode()->child(0);
-    motor->dataPtr()->setUiName(QStringLiteral("group\x01"));
-
-    const QString path = dir.filePath(QStringLiteral("out.xml"));
-    QCOMPARE(dict.saveDictionary(path), 0);
     COdictEdit reread(E_OT_EDITOR);
     QCOMPARE(reread.loadDictionary(path), 0);
-    // Characters that XML cannot carry are left out; the rest of the text stays.
+    QCOMPARE(reread.node(0x2001u)->childCount(), 0);
+    // The rest of the text stays.
     const COdictEditorObject back = reread.editorObject(0x2000u);
     QCOMPARE(back.description(), QStringLiteral("bell tab\t end"));
     QCOMPARE(back.uiName(), QStringLiteral("verticaltab"));

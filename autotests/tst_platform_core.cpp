@@ -43,11 +43,9 @@ private slots:
     void equality();
     void fromVariant_data();
     void fromVariant();
-    void streamRoundTrip_data();
-    void streamRoundTrip();
-    void streamRefusesBadRecords_data();
-    void streamRefusesBadRecords();
-    void truncatedOrGarbageStreamLeavesNull();
+    void stream_data();
+    void stream();
+    void garbageStreamLeavesNull();
     void typeTable_data();
     void typeTable();
     void typeLimits_data();
@@ -56,10 +54,8 @@ private slots:
     void rotaryUnits_data();
     void rotaryUnits();
     void unitTableConsistent();
-    void stringToVersion_data();
-    void stringToVersion();
-    void versionToString_data();
-    void versionToString();
+    void versions_data();
+    void versions();
     void programdataPath();
 };
 
@@ -67,24 +63,17 @@ void tst_PlatformCore::parseAndFormat_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<QString>("input");
-    QTest::addColumn<bool>("null");
-    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("text"); // toStr; empty for a null value
 
-    auto ok = [](const char *name, int type, const QString &in, const QString &out) {
-        QTest::newRow(name) << type << in << false << out;
-    };
-    auto bad = [](const char *name, int type, const QString &in) {
-        QTest::newRow(name) << type << in << true << QString();
-    };
+    auto ok = [](const char *name, int type, const QString &in, const QString &out) { QTest::newRow(name) << type << in << out; };
+    auto bad = [](const char *name, int type, const QString &in) { QTest::newRow(name) << type << in << QString(); };
 
     ok("bool 1", NTypes::E_BOOL, "1", "1");
     ok("bool true", NTypes::E_BOOL, " True ", "1");
     ok("bool FALSE", NTypes::E_BOOL, "FALSE", "0");
     bad("bool 2", NTypes::E_BOOL, "2");
-    bad("bool yes", NTypes::E_BOOL, "yes");
     bad("bool empty", NTypes::E_BOOL, "");
 
-    ok("u8 max", NTypes::E_U8, "255", "255");
     ok("u8 hex", NTypes::E_U8, "0xFF", "255");
     ok("u8 upper prefix", NTypes::E_U8, "0X1f", "31");
     ok("u8 blanks", NTypes::E_U8, " \t42 ", "42");
@@ -94,76 +83,48 @@ void tst_PlatformCore::parseAndFormat_data()
     bad("u8 inner blank", NTypes::E_U8, "4 2");
     bad("u8 bare prefix", NTypes::E_U8, "0x");
     bad("u8 float", NTypes::E_U8, "1.0");
-    bad("u8 blanks only", NTypes::E_U8, "   ");
     ok("i8 min", NTypes::E_I8, "-128", "-128");
     ok("i8 plus", NTypes::E_I8, "+5", "5");
     ok("i8 hex max", NTypes::E_I8, "0x7F", "127");
     ok("i8 negative hex", NTypes::E_I8, "-0x80", "-128");
     bad("i8 hex over", NTypes::E_I8, "0x80");
     bad("i8 under", NTypes::E_I8, "-129");
-    ok("u16 max", NTypes::E_U16, "0xFFFF", "65535");
-    bad("u16 over", NTypes::E_U16, "65536");
-    ok("i16 min", NTypes::E_I16, "-32768", "-32768");
-    ok("i16 hex", NTypes::E_I16, "0x7FFF", "32767");
     bad("i16 hex pattern", NTypes::E_I16, "0xFFFF");
-    ok("u32 max", NTypes::E_U32, "4294967295", "4294967295");
-    bad("u32 over", NTypes::E_U32, "4294967296");
-    ok("i32 min", NTypes::E_I32, "-2147483648", "-2147483648");
-    bad("i32 over", NTypes::E_I32, "2147483648");
     ok("u64 max", NTypes::E_U64, "0xFFFFFFFFFFFFFFFF", "18446744073709551615");
     bad("u64 over", NTypes::E_U64, "18446744073709551616");
     bad("u64 hex over", NTypes::E_U64, "0x10000000000000000");
     ok("i64 min", NTypes::E_I64, "-9223372036854775808", "-9223372036854775808");
-    ok("i64 max", NTypes::E_I64, "9223372036854775807", "9223372036854775807");
     bad("i64 over", NTypes::E_I64, "9223372036854775808");
     bad("i64 under", NTypes::E_I64, "-9223372036854775809");
-    ok("time max", NTypes::E_TIME, "4294967295", "4294967295");
     bad("time over", NTypes::E_TIME, "4294967296");
     ok("time of day 48 bits", NTypes::E_TIME_OF_DAY, "281474976710655", "281474976710655");
     bad("time of day over", NTypes::E_TIME_OF_DAY, "0x1000000000000");
     ok("time difference hex", NTypes::E_TIME_DIFF, "0x123456789ABC", "20015998343868");
 
-    ok("f32 plain", NTypes::E_F32, "1.5", "1.5");
     ok("f32 shortest", NTypes::E_F32, "0.1", "0.1");
     ok("f32 rounds", NTypes::E_F32, "16777217", "16777216");
     ok("f32 exponent", NTypes::E_F32, "-2e-3", "-0.002");
-    ok("f32 max", NTypes::E_F32, "3.4028235e38", "3.4028235e+38");
-    ok("f32 plus", NTypes::E_F32, "+2.5", "2.5");
     ok("f32 inf", NTypes::E_F32, "-inf", "-inf");
     bad("f32 over", NTypes::E_F32, "1e39");
     bad("f32 comma", NTypes::E_F32, "1,5");
-    bad("f32 trailing", NTypes::E_F32, "1.5x");
     ok("f64 shortest", NTypes::E_F64, "0.1", "0.1");
-    ok("f64 exponent", NTypes::E_F64, "1e-3", "0.001");
-    ok("f64 large", NTypes::E_F64, "1e308", "1e+308");
     ok("f64 denormal", NTypes::E_F64, "5e-324", "5e-324");
     ok("f64 minus zero", NTypes::E_F64, "-0", "-0");
     ok("f64 nan", NTypes::E_F64, "nan", "nan");
     bad("f64 over", NTypes::E_F64, "1e309");
     bad("f64 hex", NTypes::E_F64, "0x10");
-    bad("f64 double sign", NTypes::E_F64, "+-1");
 
-    ok("string", NTypes::E_STRING, "hello", "hello");
     ok("string keeps blanks", NTypes::E_STRING, " padded ", " padded ");
     bad("string empty", NTypes::E_STRING, "");
     ok("ustring", NTypes::E_USTRING, QString::fromUtf8("äöü€"), QString::fromUtf8("äöü€"));
-    ok("visible string", NTypes::E_VSTRING, "Drive 1", "Drive 1");
     ok("utf8 string", NTypes::E_UTF8STRING, QString::fromUtf8("°C"), QString::fromUtf8("°C"));
-    ok("char array", NTypes::E_CHARARRAY, "abc", "abc");
-    ok("wchar array", NTypes::E_WCHARARRAY, "xyz", "xyz");
 
     ok("octets", NTypes::E_OCTETS, "0102FF", "0102ff");
     ok("octets prefix", NTypes::E_OCTETS, "0x0A0B", "0a0b");
     ok("octets blanks", NTypes::E_OCTETS, "01 02\n03", "010203");
     bad("octets odd", NTypes::E_OCTETS, "123");
     bad("octets not hex", NTypes::E_OCTETS, "zz");
-    bad("octets prefix only", NTypes::E_OCTETS, "0x");
-    ok("domain", NTypes::E_DOMAIN, "dead", "dead");
-    ok("record", NTypes::E_RECORD, "00", "00");
-    ok("raw", NTypes::E_RAW, "beef", "beef");
-    ok("ds402 record", NTypes::E_DS402_RECORD, "010203", "010203");
     ok("ds402 u16 array", NTypes::E_DS402_U16ARRAY, "01000200", "01000200");
-    ok("ds402 f32 array", NTypes::E_DS402_F32ARRAY, "0000803f", "0000803f");
     ok("struct", NTypes::E_STRUCT, "ab", "ab");
 
     ok("xy", NTypes::E_XY, "1;2", "1;2");
@@ -181,12 +142,11 @@ void tst_PlatformCore::parseAndFormat()
 {
     QFETCH(int, type);
     QFETCH(QString, input);
-    QFETCH(bool, null);
     QFETCH(QString, text);
 
     const CVariant value(input, T(type));
     QCOMPARE(value.type(), T(type));
-    QCOMPARE(value.isNull(), null);
+    QCOMPARE(value.isNull(), text.isEmpty());
     QCOMPARE(value.count(), 1);
     QCOMPARE(value.toStr(), text);
     // What toStr writes, the text constructor reads back to the same value.
@@ -198,22 +158,18 @@ void tst_PlatformCore::fromBytes_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("count");
-    QTest::addColumn<bool>("null");
-    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("text"); // toStr; empty for a null value
     QTest::addColumn<QByteArray>("written"); // toByteArray in hex, when it differs from the input
 
     auto row = [](const char *name, const char *hex, int type, int count, const char *text, const char *written = nullptr) {
-        QTest::newRow(name) << QByteArray::fromHex(hex) << type << count << (text == nullptr)
-                            << QString::fromUtf8(text) << QByteArray(written ? written : hex);
+        QTest::newRow(name) << QByteArray::fromHex(hex) << type << count << QString::fromUtf8(text)
+                            << QByteArray(written ? written : hex);
     };
     row("u16 array", "0100ffff", NTypes::E_U16, 2, "0100ffff");
-    row("i32 array", "feffffff02000000", NTypes::E_I32, 2, "feffffff02000000");
     row("array padded with zeros", "01", NTypes::E_U16, 3, "010000000000", "010000000000");
     row("array cut to count", "010002000300", NTypes::E_U16, 2, "01000200", "01000200");
     row("octet array", "0a0b0c", NTypes::E_OCTETS, 3, "0a0b0c");
     row("i16 scalar", "feff", NTypes::E_I16, 1, "-2");
-    row("u32 scalar", "78563412", NTypes::E_U32, 1, "305419896");
-    row("i8 scalar", "80", NTypes::E_I8, 1, "-128");
     row("time of day", "060504030201", NTypes::E_TIME_OF_DAY, 1, "1108152157446");
     row("f32 scalar", "0000c03f", NTypes::E_F32, 1, "1.5");
     row("f64 scalar", "000000000000f0bf", NTypes::E_F64, 1, "-1");
@@ -221,10 +177,7 @@ void tst_PlatformCore::fromBytes_data()
     row("xy", "01000000feffffff", NTypes::E_XY, 1, "1;-2");
     row("string stops at nul", "41420000", NTypes::E_STRING, 1, "AB", "4142");
     row("wchar array", "4100e400", NTypes::E_WCHARARRAY, 1, "Aä");
-    row("u64", "0100000000000000", NTypes::E_U64, 1, "1");
     row("utf8 string", "c2b043", NTypes::E_UTF8STRING, 1, "°C");
-    row("ustring", "41004200", NTypes::E_USTRING, 1, "AB");
-    row("octets", "00ff", NTypes::E_OCTETS, 1, "00ff");
     row("too short for i32", "010203", NTypes::E_I32, 1, nullptr);
     row("too short for xy", "01000000", NTypes::E_XY, 1, nullptr);
     row("empty", "", NTypes::E_U16, 2, nullptr);
@@ -238,14 +191,13 @@ void tst_PlatformCore::fromBytes()
     QFETCH(QByteArray, bytes);
     QFETCH(int, type);
     QFETCH(int, count);
-    QFETCH(bool, null);
     QFETCH(QString, text);
     QFETCH(QByteArray, written);
 
     const CVariant value(bytes, T(type), count);
-    QCOMPARE(value.isNull(), null);
+    QCOMPARE(value.isNull(), text.isEmpty());
     QCOMPARE(value.toStr(), text);
-    if (null) {
+    if (value.isNull()) {
         QVERIFY(value.toByteArray().isEmpty());
         return;
     }
@@ -258,53 +210,48 @@ void tst_PlatformCore::fromBytes()
 void tst_PlatformCore::numericAccessors_data()
 {
     QTest::addColumn<CVariant>("value");
-    QTest::addColumn<bool>("i64Ok");
-    QTest::addColumn<qint64>("i64");
-    QTest::addColumn<bool>("u64Ok");
-    QTest::addColumn<quint64>("u64");
-    QTest::addColumn<bool>("f64Ok");
-    QTest::addColumn<double>("f64");
-    QTest::addColumn<bool>("boolOk");
+    QTest::addColumn<QString>("results"); // of toI64 toU64 toF64 and whether toBool reads; "-" when refused
 
-    QTest::newRow("i8 negative") << CVariant("-5", NTypes::E_I8) << true << qint64(-5) << false << quint64(0) << true << -5.0 << true;
-    QTest::newRow("u64 max") << CVariant("18446744073709551615", NTypes::E_U64) << false << qint64(0) << true
-                             << quint64(18446744073709551615ULL) << true << 18446744073709551616.0 << true;
-    QTest::newRow("f64 rounds") << CVariant("2.5", NTypes::E_F64) << true << qint64(3) << true << quint64(3) << true << 2.5 << true;
-    QTest::newRow("f64 huge") << CVariant("-1e300", NTypes::E_F64) << false << qint64(0) << false << quint64(0) << true << -1e300 << true;
-    QTest::newRow("bool") << CVariant("true", NTypes::E_BOOL) << true << qint64(1) << true << quint64(1) << true << 1.0 << true;
-    QTest::newRow("numeric text") << CVariant("0x10", NTypes::E_STRING) << true << qint64(16) << true << quint64(16) << true << 16.0 << false;
-    QTest::newRow("float text") << CVariant("1.5", NTypes::E_STRING) << false << qint64(0) << false << quint64(0) << true << 1.5 << false;
-    QTest::newRow("word text") << CVariant("abc", NTypes::E_STRING) << false << qint64(0) << false << quint64(0) << false << 0.0 << false;
-    QTest::newRow("octets") << CVariant("01", NTypes::E_OCTETS) << false << qint64(0) << false << quint64(0) << false << 0.0 << false;
-    QTest::newRow("xy") << CVariant("1;2", NTypes::E_XY) << false << qint64(0) << false << quint64(0) << false << 0.0 << false;
-    QTest::newRow("null") << CVariant(NTypes::E_U8) << false << qint64(0) << false << quint64(0) << false << 0.0 << false;
-    QTest::newRow("array") << CVariant(QByteArray(4, '\1'), NTypes::E_U16, 2) << false << qint64(0) << false << quint64(0) << false << 0.0
-                           << false;
+    QTest::newRow("i8 negative") << CVariant("-5", NTypes::E_I8) << "-5 - -5 ok";
+    QTest::newRow("u64 max") << CVariant("18446744073709551615", NTypes::E_U64) << "- 18446744073709551615 1.8446744073709552e+19 ok";
+    QTest::newRow("f64 rounds") << CVariant("2.5", NTypes::E_F64) << "3 3 2.5 ok";
+    QTest::newRow("f64 huge") << CVariant("-1e300", NTypes::E_F64) << "- - -1.0000000000000001e+300 ok";
+    QTest::newRow("bool") << CVariant("true", NTypes::E_BOOL) << "1 1 1 ok";
+    QTest::newRow("numeric text") << CVariant("0x10", NTypes::E_STRING) << "16 16 16 -";
+    QTest::newRow("float text") << CVariant("1.5", NTypes::E_STRING) << "- - 1.5 -";
+    QTest::newRow("word text") << CVariant("abc", NTypes::E_STRING) << "- - - -";
+    QTest::newRow("xy") << CVariant("1;2", NTypes::E_XY) << "- - - -";
+    QTest::newRow("null") << CVariant(NTypes::E_U8) << "- - - -";
+    QTest::newRow("array") << CVariant(QByteArray(4, '\1'), NTypes::E_U16, 2) << "- - - -";
 }
 
 void tst_PlatformCore::numericAccessors()
 {
     QFETCH(CVariant, value);
-    QFETCH(bool, i64Ok);
-    QFETCH(qint64, i64);
-    QFETCH(bool, u64Ok);
-    QFETCH(quint64, u64);
-    QFETCH(bool, f64Ok);
-    QFETCH(double, f64);
-    QFETCH(bool, boolOk);
+    QFETCH(QString, results);
 
-    bool ok = !i64Ok;
-    QCOMPARE(value.toI64(&ok), i64);
-    QCOMPARE(ok, i64Ok);
-    ok = !u64Ok;
-    QCOMPARE(value.toU64(&ok), u64);
-    QCOMPARE(ok, u64Ok);
-    ok = !f64Ok;
-    QCOMPARE(value.toF64(&ok), f64);
-    QCOMPARE(ok, f64Ok);
-    ok = !boolOk;
+    // A refused conversion also answers 0.
+    QStringList got;
+    const auto add = [&got](bool ok, const QString &result) {
+        got << (ok ? result : result == QLatin1String("0") ? QStringLiteral("-") : QStringLiteral("refused, yet ") + result);
+    };
+    // The flag starts opposite to the expectation, so one left untouched shows.
+    const QStringList want = results.split(QLatin1Char(' '));
+    bool ok = false;
+    const auto prime = [&want, &ok](int i) { ok = want.value(i) == QLatin1String("-"); };
+    prime(0);
+    const qint64 i64 = value.toI64(&ok);
+    add(ok, QString::number(i64));
+    prime(1);
+    const quint64 u64 = value.toU64(&ok);
+    add(ok, QString::number(u64));
+    prime(2);
+    const double f64 = value.toF64(&ok);
+    add(ok, QString::number(f64, 'g', 17));
+    prime(3);
     value.toBool(&ok);
-    QCOMPARE(ok, boolOk);
+    got << (ok ? QStringLiteral("ok") : QStringLiteral("-"));
+    QCOMPARE(got.join(QLatin1Char(' ')), results);
 }
 
 void tst_PlatformCore::equality_data()
@@ -327,7 +274,6 @@ void tst_PlatformCore::equality_data()
                                       << CVariant(QByteArray("\1\2", 2), NTypes::E_OCTETS, 1) << false;
     QTest::newRow("arrays") << CVariant(QByteArray("\1\0\2\0", 4), NTypes::E_U16, 2)
                             << CVariant(QByteArray("\1\0\2\0\3\0", 6), NTypes::E_U16, 2) << true;
-    QTest::newRow("built directly") << CVariant::fromI64(-7, NTypes::E_I32) << CVariant("-7", NTypes::E_I32) << true;
 }
 
 void tst_PlatformCore::equality()
@@ -348,16 +294,13 @@ void tst_PlatformCore::fromVariant_data()
     QTest::addColumn<CVariant>("expected");
 
     QTest::newRow("invalid") << QVariant() << int(NTypes::E_U16) << CVariant(NTypes::E_U16);
-    QTest::newRow("null string") << QVariant(QString()) << int(NTypes::E_STRING) << CVariant(NTypes::E_STRING);
     QTest::newRow("int") << QVariant(42) << int(NTypes::E_U8) << CVariant("42", NTypes::E_U8);
     QTest::newRow("int over") << QVariant(256) << int(NTypes::E_U8) << CVariant(NTypes::E_U8);
-    QTest::newRow("negative to unsigned") << QVariant(-1) << int(NTypes::E_U32) << CVariant(NTypes::E_U32);
     QTest::newRow("u64 max") << QVariant(qulonglong(~0ULL)) << int(NTypes::E_U64) << CVariant("0xFFFFFFFFFFFFFFFF", NTypes::E_U64);
     QTest::newRow("bool") << QVariant(true) << int(NTypes::E_BOOL) << CVariant("1", NTypes::E_BOOL);
     QTest::newRow("int to bool") << QVariant(2) << int(NTypes::E_BOOL) << CVariant(NTypes::E_BOOL);
     QTest::newRow("whole double") << QVariant(3.0) << int(NTypes::E_I32) << CVariant("3", NTypes::E_I32);
     QTest::newRow("fraction to int") << QVariant(3.5) << int(NTypes::E_I32) << CVariant(NTypes::E_I32);
-    QTest::newRow("int to float") << QVariant(-3) << int(NTypes::E_F32) << CVariant("-3", NTypes::E_F32);
     QTest::newRow("double to f32") << QVariant(0.1) << int(NTypes::E_F32) << CVariant("0.1", NTypes::E_F32);
     QTest::newRow("number to text") << QVariant(12) << int(NTypes::E_VSTRING) << CVariant("12", NTypes::E_VSTRING);
     QTest::newRow("text") << QVariant(QStringLiteral("0x10")) << int(NTypes::E_U16) << CVariant("16", NTypes::E_U16);
@@ -366,10 +309,7 @@ void tst_PlatformCore::fromVariant_data()
                                  << CVariant(QByteArray("\1\0\2\0", 4), NTypes::E_U16, 2);
     QTest::newRow("bytes odd size") << QVariant(QByteArray("\1\2\3", 3)) << int(NTypes::E_U16) << CVariant(NTypes::E_U16);
     QTest::newRow("bytes of byte type") << QVariant(QByteArray("\1\2\3", 3)) << int(NTypes::E_OCTETS) << CVariant("010203", NTypes::E_OCTETS);
-    QTest::newRow("bytes of ds402 array") << QVariant(QByteArray("\1\0\2\0", 4)) << int(NTypes::E_DS402_U16ARRAY)
-                                          << CVariant("01000200", NTypes::E_DS402_U16ARRAY);
     QTest::newRow("bytes of text") << QVariant(QByteArray("ab")) << int(NTypes::E_STRING) << CVariant("ab", NTypes::E_STRING);
-    QTest::newRow("same CVariant") << QVariant::fromValue(CVariant("7", NTypes::E_U8)) << int(NTypes::E_U8) << CVariant("7", NTypes::E_U8);
     QTest::newRow("other CVariant") << QVariant::fromValue(CVariant("7", NTypes::E_U8)) << int(NTypes::E_I64) << CVariant("7", NTypes::E_I64);
 }
 
@@ -382,94 +322,67 @@ void tst_PlatformCore::fromVariant()
     QCOMPARE(CVariant::fromVariant(input, T(type)), expected);
 }
 
-void tst_PlatformCore::streamRoundTrip_data()
+void tst_PlatformCore::stream_data()
 {
-    QTest::addColumn<CVariant>("value");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("ok");
+    QTest::addColumn<CVariant>("value"); // what is read; null when the record is refused
 
-    QTest::newRow("default") << CVariant();
-    QTest::newRow("null u16") << CVariant(NTypes::E_U16);
-    QTest::newRow("bool") << CVariant("1", NTypes::E_BOOL);
-    QTest::newRow("i64 min") << CVariant("-9223372036854775808", NTypes::E_I64);
-    QTest::newRow("u64 max") << CVariant("18446744073709551615", NTypes::E_U64);
-    QTest::newRow("f32") << CVariant("0.1", NTypes::E_F32);
-    QTest::newRow("ustring") << CVariant(QString::fromUtf8("€uro"), NTypes::E_USTRING);
-    QTest::newRow("octets") << CVariant("00ff00", NTypes::E_OCTETS);
-    QTest::newRow("xy") << CVariant("-1;1", NTypes::E_XY);
-    QTest::newRow("i32 array") << CVariant(QByteArray(12, '\x7f'), NTypes::E_I32, 3);
-}
-
-void tst_PlatformCore::streamRoundTrip()
-{
-    QFETCH(CVariant, value);
-
-    QByteArray buffer;
-    {
+    const auto streamed = [](const CVariant &value) {
+        QByteArray buffer;
         QDataStream out(&buffer, QIODevice::WriteOnly);
         out << value;
+        return buffer;
+    };
+    for (const CVariant &value : {CVariant(), CVariant(NTypes::E_U16), CVariant("1", NTypes::E_BOOL),
+                                  CVariant("-9223372036854775808", NTypes::E_I64), CVariant("18446744073709551615", NTypes::E_U64),
+                                  CVariant("0.1", NTypes::E_F32), CVariant(QString::fromUtf8("€uro"), NTypes::E_USTRING),
+                                  CVariant("00ff00", NTypes::E_OCTETS), CVariant("-1;1", NTypes::E_XY),
+                                  CVariant(QByteArray(12, '\x7f'), NTypes::E_I32, 3)}) {
+        QTest::newRow(qPrintable(QStringLiteral("round trip %1 %2").arg(CDataTypeParser::typeToStr(value.type()), value.toStr())))
+            << streamed(value) << true << value;
     }
-    QDataStream in(buffer);
-    CVariant read("1", NTypes::E_U8);
-    in >> read;
-    QCOMPARE(in.status(), QDataStream::Ok);
-    QVERIFY(in.atEnd());
-    QCOMPARE(read, value);
-}
 
-void tst_PlatformCore::streamRefusesBadRecords_data()
-{
-    QTest::addColumn<quint32>("type");
-    QTest::addColumn<qint32>("count");
-    QTest::addColumn<QVariant>("stored");
-
-    QTest::newRow("unknown type number") << 99u << 1 << QVariant(qulonglong(1));
-    QTest::newRow("count zero") << quint32(NTypes::E_U8) << 0 << QVariant(qulonglong(1));
-    QTest::newRow("wrong storage") << quint32(NTypes::E_U8) << 1 << QVariant(QStringLiteral("x"));
-    QTest::newRow("out of range") << quint32(NTypes::E_U8) << 1 << QVariant(qulonglong(300));
-    QTest::newRow("array size") << quint32(NTypes::E_U16) << 3 << QVariant(QByteArray(4, '\0'));
-    QTest::newRow("short xy") << quint32(NTypes::E_XY) << 1 << QVariant(QByteArray(4, '\0'));
-}
-
-void tst_PlatformCore::streamRefusesBadRecords()
-{
-    QFETCH(quint32, type);
-    QFETCH(qint32, count);
-    QFETCH(QVariant, stored);
-
-    QByteArray buffer;
-    {
+    // Records written by hand: type number, count, stored QVariant.
+    const auto record = [](quint32 type, qint32 count, const QVariant &stored) {
+        QByteArray buffer;
         QDataStream out(&buffer, QIODevice::WriteOnly);
         out << type << count << stored;
-    }
-    QDataStream in(buffer);
-    CVariant read("1", NTypes::E_U8);
-    in >> read;
-    QCOMPARE(in.status(), QDataStream::ReadCorruptData);
-    QVERIFY(read.isNull());
+        return buffer;
+    };
+    const quint32 u8 = NTypes::E_U8;
+    QTest::newRow("unknown type number") << record(99u, 1, QVariant(qulonglong(1))) << false << CVariant();
+    QTest::newRow("count zero") << record(u8, 0, QVariant(qulonglong(1))) << false << CVariant();
+    QTest::newRow("wrong storage") << record(u8, 1, QVariant(QStringLiteral("x"))) << false << CVariant();
+    QTest::newRow("out of range") << record(u8, 1, QVariant(qulonglong(300))) << false << CVariant();
+    QTest::newRow("array size") << record(NTypes::E_U16, 3, QVariant(QByteArray(4, '\0'))) << false << CVariant();
+    QTest::newRow("short xy") << record(NTypes::E_XY, 1, QVariant(QByteArray(4, '\0'))) << false << CVariant();
 }
 
-void tst_PlatformCore::truncatedOrGarbageStreamLeavesNull()
+void tst_PlatformCore::stream()
 {
-    QByteArray buffer;
-    {
-        QDataStream out(&buffer, QIODevice::WriteOnly);
-        out << CVariant("-1;1", NTypes::E_XY) << CVariant(QString::fromUtf8("text"), NTypes::E_STRING)
-            << CVariant(QByteArray(8, '\1'), NTypes::E_U32, 2);
-    }
-    for (int length = 0; length < buffer.size(); ++length) {
-        QDataStream in(buffer.left(length));
-        CVariant read;
-        int complete = 0;
-        while (true) {
-            read = CVariant("1", NTypes::E_U8);
-            in >> read;
-            if (in.status() != QDataStream::Ok)
-                break;
-            ++complete;
-        }
-        QVERIFY2(complete < 3, qPrintable(QString::number(length)));
-        QVERIFY(read.isNull());
-    }
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, ok);
+    QFETCH(CVariant, value);
 
+    QDataStream in(bytes);
+    CVariant read("1", NTypes::E_U8);
+    in >> read;
+    QCOMPARE(in.status(), ok ? QDataStream::Ok : QDataStream::ReadCorruptData);
+    QVERIFY(!ok || in.atEnd());
+    QCOMPARE(read, value);
+
+    // Every cut-off record is refused as well.
+    for (int length = 0; length < bytes.size(); ++length) {
+        QDataStream cut(bytes.left(length));
+        CVariant partial("1", NTypes::E_U8);
+        cut >> partial;
+        QVERIFY2(cut.status() != QDataStream::Ok && partial.isNull(), qPrintable(QString::number(length)));
+    }
+}
+
+void tst_PlatformCore::garbageStreamLeavesNull()
+{
     // Random bytes: must not crash, and a failed read leaves a null value. QVariant complains
     // about the invalid type ids it finds; that noise is muted here.
     const QtMessageHandler previous = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
@@ -544,9 +457,6 @@ void tst_PlatformCore::typeLimits_data()
     QTest::newRow("BOOL") << int(NTypes::E_BOOL) << "0" << "1";
     QTest::newRow("U8") << int(NTypes::E_U8) << "0" << "255";
     QTest::newRow("I8") << int(NTypes::E_I8) << "-128" << "127";
-    QTest::newRow("U16") << int(NTypes::E_U16) << "0" << "65535";
-    QTest::newRow("I16") << int(NTypes::E_I16) << "-32768" << "32767";
-    QTest::newRow("U32") << int(NTypes::E_U32) << "0" << "4294967295";
     QTest::newRow("I32") << int(NTypes::E_I32) << "-2147483648" << "2147483647";
     QTest::newRow("U64") << int(NTypes::E_U64) << "0" << "18446744073709551615";
     QTest::newRow("I64") << int(NTypes::E_I64) << "-9223372036854775808" << "9223372036854775807";
@@ -554,7 +464,6 @@ void tst_PlatformCore::typeLimits_data()
     QTest::newRow("F64") << int(NTypes::E_F64) << "-1.7976931348623157e+308" << "1.7976931348623157e+308";
     QTest::newRow("TIME") << int(NTypes::E_TIME) << "0" << "4294967295";
     QTest::newRow("TIME_OF_DAY") << int(NTypes::E_TIME_OF_DAY) << "" << "";
-    QTest::newRow("STRING") << int(NTypes::E_STRING) << "" << "";
     QTest::newRow("XY") << int(NTypes::E_XY) << "" << "";
     QTest::newRow("UNKNOWN") << int(NTypes::E_UNKNOWN) << "" << "";
 }
@@ -647,57 +556,38 @@ void tst_PlatformCore::unitTableConsistent()
     QCOMPARE(CUnitParser::textToUnit(QStringLiteral("RPM")), 0xFFFFFFFFu); // exact match only
 }
 
-void tst_PlatformCore::stringToVersion_data()
+void tst_PlatformCore::versions_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("ok");
     QTest::addColumn<quint32>("value");
+    QTest::addColumn<QString>("written"); // versionToString of the value
 
-    QTest::newRow("full") << "1.28.42" << true << 0x011C002Au;
-    QTest::newRow("main only") << "1" << true << 0x01000000u;
-    QTest::newRow("main and minor") << "1.2" << true << 0x01020000u;
-    QTest::newRow("limits") << "255.255.65535" << true << 0xFFFFFFFFu;
-    QTest::newRow("zero") << "0.0.0" << true << 0u;
-    QTest::newRow("blanks") << " 2.3.4 " << true << 0x02030004u;
-    QTest::newRow("main over") << "256.0.0" << false << 0u;
-    QTest::newRow("minor over") << "1.256" << false << 0u;
-    QTest::newRow("build over") << "1.2.65536" << false << 0u;
-    QTest::newRow("four parts") << "1.2.3.4" << false << 0u;
-    QTest::newRow("empty") << "" << false << 0u;
-    QTest::newRow("letters") << "a.b" << false << 0u;
-    QTest::newRow("empty part") << "1..2" << false << 0u;
-    QTest::newRow("sign") << "+1.2.3" << false << 0u;
+    QTest::newRow("full") << "1.28.42" << true << 0x011C002Au << "1.28.42";
+    QTest::newRow("main only") << "1" << true << 0x01000000u << "1.0.0";
+    QTest::newRow("limits, written unsigned") << "255.255.65535" << true << 0xFFFFFFFFu << "255.255.65535";
+    QTest::newRow("high bits") << "128.128.0" << true << 0x80800000u << "128.128.0";
+    QTest::newRow("blanks") << " 2.3.4 " << true << 0x02030004u << "2.3.4";
+    QTest::newRow("main over") << "256.0.0" << false << 0u << "0.0.0";
+    QTest::newRow("minor over") << "1.256" << false << 0u << "0.0.0";
+    QTest::newRow("build over") << "1.2.65536" << false << 0u << "0.0.0";
+    QTest::newRow("four parts") << "1.2.3.4" << false << 0u << "0.0.0";
+    QTest::newRow("empty") << "" << false << 0u << "0.0.0";
+    QTest::newRow("empty part") << "1..2" << false << 0u << "0.0.0";
+    QTest::newRow("sign") << "+1.2.3" << false << 0u << "0.0.0";
 }
 
-void tst_PlatformCore::stringToVersion()
+void tst_PlatformCore::versions()
 {
     QFETCH(QString, text);
     QFETCH(bool, ok);
     QFETCH(quint32, value);
+    QFETCH(QString, written);
 
     bool parsed = !ok;
     QCOMPARE(CStr::stringToVersion(text, &parsed).value, value);
     QCOMPARE(parsed, ok);
-}
-
-void tst_PlatformCore::versionToString_data()
-{
-    QTest::addColumn<quint32>("value");
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("plain") << 0x011C002Au << "1.28.42";
-    QTest::newRow("zero") << 0u << "0.0.0";
-    QTest::newRow("high bits unsigned") << 0xFFFFFFFFu << "255.255.65535";
-    QTest::newRow("main 128") << 0x80800000u << "128.128.0";
-}
-
-void tst_PlatformCore::versionToString()
-{
-    QFETCH(quint32, value);
-    QFETCH(QString, text);
-
-    QCOMPARE(CStr::versionToString(NTypes::uVersion_t(value)), text);
-    QCOMPARE(CStr::stringToVersion(text).value, value);
+    QCOMPARE(CStr::versionToString(NTypes::uVersion_t(value)), written);
 }
 
 void tst_PlatformCore::programdataPath()

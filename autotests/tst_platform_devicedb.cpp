@@ -14,24 +14,14 @@
 
 namespace {
 
-struct sDevice_t {
-    int id;
-    QString name;
-    qint64 versionMin;
-    qint64 versionMax;
-};
+const QString kDeviceTable = QStringLiteral("CREATE TABLE device (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
+                                            "version_min INTEGER NOT NULL, version_max INTEGER NOT NULL)");
+const QString kPropertyTable = QStringLiteral(
+    "CREATE TABLE property (device_id INTEGER NOT NULL REFERENCES device(id), key INTEGER NOT NULL, "
+    "pos INTEGER NOT NULL DEFAULT 0, type INTEGER NOT NULL, value TEXT NOT NULL, PRIMARY KEY (device_id, key, pos))");
 
-struct sProperty_t {
-    int deviceId;
-    int key;
-    int pos;
-    int type;
-    QString value;
-};
-
-/// Writes a device database with the given rows; false (and a warning) when SQLite refuses.
-bool buildDatabase(const QString &path, const QList<sDevice_t> &devices, const QList<sProperty_t> &properties,
-                   bool withProperties = true)
+/// Runs the statements on the SQLite file at path; false (and a warning) when SQLite refuses one.
+bool runSql(const QString &path, const QStringList &statements)
 {
     const QString connection = QStringLiteral("tst_build");
     bool ok = true;
@@ -40,38 +30,20 @@ bool buildDatabase(const QString &path, const QList<sDevice_t> &devices, const Q
         db.setDatabaseName(path);
         ok = db.open();
         QSqlQuery query(db);
-        ok = ok && query.exec(QStringLiteral(
-                 "CREATE TABLE device (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
-                 "version_min INTEGER NOT NULL, version_max INTEGER NOT NULL)"));
-        if (withProperties) {
-            ok = ok && query.exec(QStringLiteral(
-                     "CREATE TABLE property (device_id INTEGER NOT NULL REFERENCES device(id), "
-                     "key INTEGER NOT NULL, pos INTEGER NOT NULL DEFAULT 0, type INTEGER NOT NULL, "
-                     "value TEXT NOT NULL, PRIMARY KEY (device_id, key, pos))"));
-        }
-        for (const sDevice_t &device : devices) {
-            ok = ok && query.prepare(QStringLiteral("INSERT INTO device VALUES (?, ?, ?, ?)"));
-            query.addBindValue(device.id);
-            query.addBindValue(device.name);
-            query.addBindValue(device.versionMin);
-            query.addBindValue(device.versionMax);
-            ok = ok && query.exec();
-        }
-        for (const sProperty_t &property : properties) {
-            ok = ok && query.prepare(QStringLiteral("INSERT INTO property VALUES (?, ?, ?, ?, ?)"));
-            query.addBindValue(property.deviceId);
-            query.addBindValue(property.key);
-            query.addBindValue(property.pos);
-            query.addBindValue(property.type);
-            query.addBindValue(property.value);
-            ok = ok && query.exec();
-        }
+        for (const QString &statement : statements)
+            ok = ok && query.exec(statement);
         if (!ok)
             qWarning() << query.lastError().text() << db.lastError().text();
         db.close();
     }
     QSqlDatabase::removeDatabase(connection);
     return ok;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -85,12 +57,9 @@ private slots:
 
     void lookup_data();
     void lookup();
-    void lookupKeepsDeviceRange();
-    void lookupWithoutDatabase();
     void openFailure_data();
     void openFailure();
-    void connectionNameInUse();
-    void twoConnectionsAtOnce();
+    void connections();
 
 private:
     QTemporaryDir m_dir;
@@ -102,17 +71,14 @@ void tst_PlatformDeviceDb::initTestCase()
     QVERIFY(m_dir.isValid());
     QVERIFY(QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")));
     m_database = m_dir.filePath(QStringLiteral("devices.db"));
-    QVERIFY(buildDatabase(m_database,
-                          {{1, QStringLiteral("DriveA"), 0x01000000, 0x0100FFFF},
-                           {2, QStringLiteral("DriveA"), 0x01010000, 0x01FFFFFF},
-                           {3, QStringLiteral("DriveB"), 0, 0xFFFFFFFF},
-                           {4, QStringLiteral("DriveC"), 0x80000000, 0x80000010}},
-                          {{1, 1, 0, NTypes::E_U16, QStringLiteral("100")},
-                           {1, 1, 2, NTypes::E_U16, QStringLiteral("102")},
-                           {1, 2, 0, NTypes::E_VSTRING, QStringLiteral("first")},
-                           {2, 1, 0, NTypes::E_U16, QStringLiteral("200")},
-                           {3, 5, 0, NTypes::E_U32, QStringLiteral("0xFFFFFFFF")},
-                           {4, 5, 1, NTypes::E_I32, QStringLiteral("-7")}}));
+    QVERIFY(runSql(m_database, {kDeviceTable, kPropertyTable,
+                                QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0x01000000, 0x0100FFFF), "
+                                               "(2, 'DriveA', 0x01010000, 0x01FFFFFF), (3, 'DriveB', 0, 0xFFFFFFFF), "
+                                               "(4, 'DriveC', 0x80000000, 0x80000010)"),
+                                QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '100'), (1, 1, 2, %1, '102'), "
+                                               "(1, 2, 0, %2, 'first'), (2, 1, 0, %1, '200'), "
+                                               "(3, 5, 0, %3, '0xFFFFFFFF'), (4, 5, 1, %4, '-7')")
+                                    .arg(NTypes::E_U16).arg(NTypes::E_VSTRING).arg(NTypes::E_U32).arg(NTypes::E_I32)}));
 }
 
 void tst_PlatformDeviceDb::lookup_data()
@@ -123,33 +89,32 @@ void tst_PlatformDeviceDb::lookup_data()
     QTest::addColumn<int>("deviceId");
     QTest::addColumn<uint>("key");
     QTest::addColumn<int>("pos");
-    QTest::addColumn<QString>("value"); // text of the expected value; empty for a null value
-    QTest::addColumn<int>("type");
+    QTest::addColumn<CVariant>("value"); // null when the device has no value there
 
-    const int ok = NkrDeviceDatabase::E_DDB_OK;
-    const int noVersion = NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN;
-    const int noDevice = NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN;
-    const QString drive = QStringLiteral("DriveA");
-    const int u16 = NTypes::E_U16;
+    auto found = [](const char *tag, uint version, const char *name, int id, uint key, int pos, const CVariant &value) {
+        QTest::newRow(tag) << version << QString::fromLatin1(name) << int(NkrDeviceDatabase::E_DDB_OK) << id << key << pos
+                           << value;
+    };
+    auto missing = [](const char *tag, uint version, const char *name, NkrDeviceDatabase::eDdbState_t state) {
+        QTest::newRow(tag) << version << QString::fromLatin1(name) << int(state) << -1 << 0u << 0 << CVariant();
+    };
+    const CVariant u100(QStringLiteral("100"), NTypes::E_U16);
 
-    QTest::newRow("lower bound") << 0x01000000u << drive << ok << 1 << 1u << 0 << "100" << u16;
-    QTest::newRow("upper bound") << 0x0100FFFFu << drive << ok << 1 << 1u << 0 << "100" << u16;
-    QTest::newRow("second range") << 0x01010000u << drive << ok << 2 << 1u << 0 << "200" << u16;
-    QTest::newRow("axis value") << 0x01000005u << drive << ok << 1 << 1u << 2 << "102" << u16;
-    QTest::newRow("axis falls back to device") << 0x01000005u << drive << ok << 1 << 1u << 1 << "100" << u16;
-    QTest::newRow("text value") << 0x01000005u << drive << ok << 1 << 2u << 3 << "first" << int(NTypes::E_VSTRING);
-    QTest::newRow("unknown key") << 0x01000005u << drive << ok << 1 << 99u << 0 << QString() << 0;
-    QTest::newRow("axis only, asked for device") << 0x80000000u << "DriveC" << ok << 4 << 5u << 0 << QString() << 0;
-    QTest::newRow("axis only, asked for axis") << 0x80000010u << "DriveC" << ok << 4 << 5u << 1 << "-7"
-                                               << int(NTypes::E_I32);
-    QTest::newRow("whole unsigned range") << 0xFFFFFFFFu << "DriveB" << ok << 3 << 5u << 0 << "0xFFFFFFFF"
-                                          << int(NTypes::E_U32);
-    QTest::newRow("above high-bit range") << 0x80000011u << "DriveC" << noVersion << -1 << 0u << 0 << QString() << 0;
-    QTest::newRow("below all ranges") << 0x00FFFFFFu << drive << noVersion << -1 << 0u << 0 << QString() << 0;
-    QTest::newRow("between nothing") << 0x02000000u << drive << noVersion << -1 << 0u << 0 << QString() << 0;
-    QTest::newRow("unknown name") << 0x01000000u << "DriveX" << noDevice << -1 << 0u << 0 << QString() << 0;
-    QTest::newRow("name differs in case") << 0x01000000u << "drivea" << noDevice << -1 << 0u << 0 << QString() << 0;
-    QTest::newRow("empty name") << 0x01000000u << "" << noDevice << -1 << 0u << 0 << QString() << 0;
+    found("lower bound", 0x01000000u, "DriveA", 1, 1, 0, u100);
+    found("upper bound", 0x0100FFFFu, "DriveA", 1, 1, 0, u100);
+    found("second range", 0x01010000u, "DriveA", 2, 1, 0, CVariant(QStringLiteral("200"), NTypes::E_U16));
+    found("axis value", 0x01000005u, "DriveA", 1, 1, 2, CVariant(QStringLiteral("102"), NTypes::E_U16));
+    found("axis falls back to device", 0x01000005u, "DriveA", 1, 1, 1, u100);
+    found("text value", 0x01000005u, "DriveA", 1, 2, 3, CVariant(QStringLiteral("first"), NTypes::E_VSTRING));
+    found("unknown key", 0x01000005u, "DriveA", 1, 99, 0, CVariant());
+    found("axis only, asked for device", 0x80000000u, "DriveC", 4, 5, 0, CVariant());
+    found("axis only, asked for axis", 0x80000010u, "DriveC", 4, 5, 1, CVariant(QStringLiteral("-7"), NTypes::E_I32));
+    found("whole unsigned range", 0xFFFFFFFFu, "DriveB", 3, 5, 0, CVariant(QStringLiteral("0xFFFFFFFF"), NTypes::E_U32));
+    missing("above high-bit range", 0x80000011u, "DriveC", NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN);
+    missing("below all ranges", 0x00FFFFFFu, "DriveA", NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN);
+    missing("unknown name", 0x01000000u, "DriveX", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+    missing("name differs in case", 0x01000000u, "drivea", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+    missing("empty name", 0x01000000u, "", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
 }
 
 void tst_PlatformDeviceDb::lookup()
@@ -160,8 +125,7 @@ void tst_PlatformDeviceDb::lookup()
     QFETCH(int, deviceId);
     QFETCH(uint, key);
     QFETCH(int, pos);
-    QFETCH(QString, value);
-    QFETCH(int, type);
+    QFETCH(CVariant, value);
 
     CDatabaseDeviceData database;
     QVERIFY2(database.openDatabase(m_database, QStringLiteral("lookup")), qPrintable(database.lastError()));
@@ -178,111 +142,53 @@ void tst_PlatformDeviceDb::lookup()
     QVERIFY(device->isValid());
     QCOMPARE(device->deviceId(), deviceId);
     QCOMPARE(device->name(), name);
+    QVERIFY(device->versionMin() <= version && version <= device->versionMax());
 
     const CVariant result = device->value(key, NkrDeviceDatabase::eSubDevicePos_t(pos));
-    if (value.isEmpty()) {
-        QVERIFY2(result.isNull(), qPrintable(result.toStr()));
-    } else {
-        const CVariant expected(value, NTypes::eTypes_t(type));
-        QVERIFY(!expected.isNull());
-        QCOMPARE(int(result.type()), type);
-        QVERIFY2(result == expected, qPrintable(result.toStr()));
-    }
-}
-
-void tst_PlatformDeviceDb::lookupKeepsDeviceRange()
-{
-    CDatabaseDeviceData database;
-    QVERIFY(database.openDatabase(m_database, QStringLiteral("range")));
-    NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
-    const std::unique_ptr<CDeviceData> device(database.data(NTypes::uVersion_t(0x01000001), QStringLiteral("DriveA"), state));
-    QVERIFY(device);
-    QCOMPARE(device->versionMin(), 0x01000000u);
-    QCOMPARE(device->versionMax(), 0x0100FFFFu);
-    QCOMPARE(device->propertyCount(), 3);
-
-    const std::unique_ptr<CDeviceData> wide(database.data(NTypes::uVersion_t(0), QStringLiteral("DriveB"), state));
-    QVERIFY(wide);
-    QCOMPARE(wide->versionMax(), 0xFFFFFFFFu);
-}
-
-void tst_PlatformDeviceDb::lookupWithoutDatabase()
-{
-    CDatabaseDeviceData database;
-    QVERIFY(!database.isOpen());
-    NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_OK;
-    QVERIFY(!database.data(NTypes::uVersion_t(0x01000000), QStringLiteral("DriveA"), state));
-    QCOMPARE(state, NkrDeviceDatabase::E_DDB_NOT_OPEN);
-
-    // A failed open leaves the object closed as well.
-    QVERIFY(!database.openDatabase(m_dir.filePath(QStringLiteral("none.db")), QStringLiteral("closed")));
-    QVERIFY(!database.data(NTypes::uVersion_t(0x01000000), QStringLiteral("DriveA"), state));
-    QCOMPARE(state, NkrDeviceDatabase::E_DDB_NOT_OPEN);
+    QVERIFY2(value.isNull() ? result.isNull() : result == value, qPrintable(result.toStr()));
 }
 
 void tst_PlatformDeviceDb::openFailure_data()
 {
-    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QStringList>("sql"); // run on the file when not empty
+    QTest::addColumn<QByteArray>("bytes"); // written otherwise, unless the row is about no file
 
-    QTest::newRow("missing file") << "missing";
-    QTest::newRow("directory") << "directory";
-    QTest::newRow("empty file") << "empty";
-    QTest::newRow("random bytes") << "corrupt";
-    QTest::newRow("no tables") << "notables";
-    QTest::newRow("device table only") << "deviceonly";
-    QTest::newRow("property table of another layout") << "otherlayout";
+    QByteArray random(8192, '\0');
+    QRandomGenerator generator(4711);
+    for (char &byte : random)
+        byte = char(generator.bounded(256));
+
+    QTest::newRow("missing file") << QStringList() << QByteArray();
+    QTest::newRow("directory") << QStringList() << QByteArray();
+    QTest::newRow("empty file") << QStringList() << QByteArray("");
+    QTest::newRow("random bytes") << QStringList() << random;
+    QTest::newRow("no tables") << QStringList(QStringLiteral("CREATE TABLE other (x INTEGER)")) << QByteArray();
+    QTest::newRow("device table only")
+        << QStringList({kDeviceTable, QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0, 1)")}) << QByteArray();
+    QTest::newRow("property table of another layout")
+        << QStringList({kDeviceTable, QStringLiteral("CREATE TABLE property (device_id INTEGER, name TEXT)")})
+        << QByteArray();
 }
 
 void tst_PlatformDeviceDb::openFailure()
 {
-    QFETCH(QString, kind);
+    QFETCH(QStringList, sql);
+    QFETCH(QByteArray, bytes);
 
+    const QString row = QString::fromLatin1(QTest::currentDataTag());
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString path = dir.filePath(QStringLiteral("bad.db"));
-    if (kind == QLatin1String("directory")) {
+    if (row == QLatin1String("directory")) {
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("bad.db")));
-    } else if (kind == QLatin1String("empty")) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    } else if (kind == QLatin1String("corrupt")) {
-        QByteArray bytes(8192, '\0');
-        QRandomGenerator generator(4711);
-        for (char &byte : bytes)
-            byte = char(generator.bounded(256));
+    } else if (!sql.isEmpty()) {
+        QVERIFY(runSql(path, sql));
+    } else if (!bytes.isNull()) {
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         QCOMPARE(file.write(bytes), qint64(bytes.size()));
-    } else if (kind == QLatin1String("notables")) {
-        QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("tst_plain"));
-        {
-            QSqlDatabase db = QSqlDatabase::database(QStringLiteral("tst_plain"), false);
-            db.setDatabaseName(path);
-            QVERIFY(db.open());
-            QSqlQuery query(db);
-            QVERIFY(query.exec(QStringLiteral("CREATE TABLE other (x INTEGER)")));
-            db.close();
-        }
-        QSqlDatabase::removeDatabase(QStringLiteral("tst_plain"));
-    } else if (kind == QLatin1String("deviceonly")) {
-        QVERIFY(buildDatabase(path, {{1, QStringLiteral("DriveA"), 0, 1}}, {}, false));
-    } else if (kind == QLatin1String("otherlayout")) {
-        QVERIFY(buildDatabase(path, {}, {}, false));
-        QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("tst_plain"));
-        {
-            QSqlDatabase db = QSqlDatabase::database(QStringLiteral("tst_plain"), false);
-            db.setDatabaseName(path);
-            QVERIFY(db.open());
-            QSqlQuery query(db);
-            QVERIFY(query.exec(QStringLiteral("CREATE TABLE property (device_id INTEGER, name TEXT)")));
-            db.close();
-        }
-        QSqlDatabase::removeDatabase(QStringLiteral("tst_plain"));
     }
-    const QByteArray before = QFileInfo(path).isFile() ? [&path] {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }() : QByteArray();
+    const QByteArray before = readFile(path);
 
     const QString connection = QStringLiteral("failing");
     {
@@ -290,70 +196,62 @@ void tst_PlatformDeviceDb::openFailure()
         QVERIFY(!database.openDatabase(path, connection));
         QVERIFY(!database.isOpen());
         QVERIFY(!database.lastError().isEmpty());
-        // A failed open does not keep its connection.
+        // A failed open does not keep its connection, and leaves nothing to look up in.
         QVERIFY(!QSqlDatabase::contains(connection));
+        NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_OK;
+        QVERIFY(!database.data(NTypes::uVersion_t(0x01000000), QStringLiteral("DriveA"), state));
+        QCOMPARE(state, NkrDeviceDatabase::E_DDB_NOT_OPEN);
     }
     QVERIFY(!QSqlDatabase::contains(connection));
 
     // The file is neither created nor changed.
-    if (kind == QLatin1String("missing")) {
-        QVERIFY(!QFileInfo::exists(path));
-    } else if (kind != QLatin1String("directory")) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), before);
-    }
+    QCOMPARE(QFileInfo::exists(path), row != QLatin1String("missing file"));
+    QCOMPARE(readFile(path), before);
 }
 
-void tst_PlatformDeviceDb::connectionNameInUse()
-{
-    CDatabaseDeviceData first;
-    QVERIFY(first.openDatabase(m_database, QStringLiteral("shared")));
-    {
-        CDatabaseDeviceData second;
-        QVERIFY(!second.openDatabase(m_database, QStringLiteral("shared")));
-        QVERIFY(!second.lastError().isEmpty());
-    }
-    // The refused second object must not take the first one's connection down.
-    QVERIFY(first.isOpen());
-    NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
-    delete first.data(NTypes::uVersion_t(0x01000000), QStringLiteral("DriveA"), state);
-    QCOMPARE(state, NkrDeviceDatabase::E_DDB_OK);
-
-    // Reopening under another name closes the old connection.
-    QVERIFY(first.openDatabase(m_database, QStringLiteral("shared2")));
-    QVERIFY(!QSqlDatabase::contains(QStringLiteral("shared")));
-    QVERIFY(QSqlDatabase::contains(QStringLiteral("shared2")));
-}
-
-void tst_PlatformDeviceDb::twoConnectionsAtOnce()
+void tst_PlatformDeviceDb::connections()
 {
     const QString other = m_dir.filePath(QStringLiteral("other.db"));
-    QVERIFY(buildDatabase(other, {{1, QStringLiteral("DriveA"), 0x01000000, 0x0100FFFF}},
-                          {{1, 1, 0, NTypes::E_U16, QStringLiteral("999")}}));
-
+    QVERIFY(runSql(other, {kDeviceTable, kPropertyTable,
+                           QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0x01000000, 0x0100FFFF)"),
+                           QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '999')").arg(NTypes::E_U16)}));
     const QString nameA = QStringLiteral("first");
     const QString nameB = QStringLiteral("second");
+    const NTypes::uVersion_t version(0x01000001);
+    NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
     {
         CDatabaseDeviceData a;
         CDatabaseDeviceData b;
         QVERIFY(a.openDatabase(m_database, nameA));
+        {
+            CDatabaseDeviceData refused;
+            QVERIFY(!refused.openDatabase(other, nameA));
+            QVERIFY(!refused.lastError().isEmpty());
+        }
+        // The refused object must not take the connection of the first one down.
         QVERIFY(b.openDatabase(other, nameB));
-        QVERIFY(QSqlDatabase::contains(nameA));
-        QVERIFY(QSqlDatabase::contains(nameB));
+        QVERIFY(QSqlDatabase::contains(nameA) && QSqlDatabase::contains(nameB));
 
-        NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
-        const NTypes::uVersion_t version(0x01000000);
         const std::unique_ptr<CDeviceData> fromA(a.data(version, QStringLiteral("DriveA"), state));
         const std::unique_ptr<CDeviceData> fromB(b.data(version, QStringLiteral("DriveA"), state));
         QVERIFY(fromA && fromB);
         QCOMPARE(fromA->value(1).toU64(), 100u);
         QCOMPARE(fromB->value(1).toU64(), 999u);
+        // The device keeps its range and every property row of its own.
+        QCOMPARE(fromA->versionMin(), 0x01000000u);
+        QCOMPARE(fromA->versionMax(), 0x0100FFFFu);
+        QCOMPARE(fromA->propertyCount(), 3);
         QVERIFY(!b.data(version, QStringLiteral("DriveB"), state));
         QCOMPARE(state, NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+
+        // Reopening under another name closes the old connection.
+        QVERIFY(b.openDatabase(m_database, QStringLiteral("third")));
+        QVERIFY(!QSqlDatabase::contains(nameB));
+        delete b.data(version, QStringLiteral("DriveB"), state);
+        QCOMPARE(state, NkrDeviceDatabase::E_DDB_OK);
     }
     QVERIFY(!QSqlDatabase::contains(nameA));
-    QVERIFY(!QSqlDatabase::contains(nameB));
+    QVERIFY(!QSqlDatabase::contains(QStringLiteral("third")));
 
     // The names are free again.
     CDatabaseDeviceData again;
