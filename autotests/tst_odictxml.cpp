@@ -1,6 +1,8 @@
+#include "CDomDoc.h"
 #include "CMemoryLogfile.h"
 #include "COdict.h"
 #include "COdictEdit.h"
+#include "COdictValueObject.h"
 #include "invariants.h"
 #include "odicttreecompare.h"
 
@@ -271,6 +273,7 @@ private slots:
     void saveKeepsOldFileOnFailure_data();
     void saveKeepsOldFileOnFailure();
     void saveLeavesOutWhatCannotBeStored();
+    void valueObjectThroughXmlElement();
 };
 
 void tst_OdictXml::loadsGroupsObjectsAndSubObjects()
@@ -723,6 +726,33 @@ void tst_OdictXml::saveLeavesOutWhatCannotBeStored()
     QCOMPARE(back.description(), QStringLiteral("bell tab\t end"));
     QCOMPARE(back.uiName(), QStringLiteral("verticaltab"));
     QCOMPARE(reread.objectTree()->dictionaryNode()->child(0)->dataRef().uiName(), QStringLiteral("group"));
+}
+
+void tst_OdictXml::valueObjectThroughXmlElement()
+{
+    // The facade's element helpers carry one value object's description through a DOM element.
+    COdictValueObject object;
+    object.setId(0x2001u);
+    object.setSubId(2);
+    object.setName(QStringLiteral("SPEED_LIMIT"));
+    object.setDataType(NTypes::E_XY);
+    object.setDataSize(8);
+    object.setXMinValue(CVariant(QStringLiteral("-5"), NTypes::E_I32));
+    object.setYMinValue(CVariant(QStringLiteral("7"), NTypes::E_I32));
+    object.setReadWriteByteSize(4);
+    object.setValueInHexEnabled(true);
+    CDomDoc doc;
+    QDomElement parent = doc.document().createElement(QStringLiteral("Data"));
+    doc.document().appendChild(parent);
+    QVERIFY(COdict::setObjectToXml(doc, object, parent));
+    COdictValueObject back;
+    QVERIFY(COdict::valueObjectFromXml(doc, back, parent)); // finds the "Object" child
+    QCOMPARE(back.uniqueId(), object.uniqueId());
+    QCOMPARE(back.yMinValue(), object.yMinValue());
+    QCOMPARE(back.readWriteByteSize(), 4LL);
+    QVERIFY(back.isValueInHexEnabled());
+    QVERIFY(!COdict::valueObjectFromXml(doc, back, QDomElement()));
+    QVERIFY(!COdict::setObjectToXml(doc, object, QDomElement()));
 }
 
 QTEST_GUILESS_MAIN(tst_OdictXml)

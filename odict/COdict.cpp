@@ -7,8 +7,12 @@
 #include "COdictObjectTree.h"
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
+#include "COdictXmlFile.h"
+#include "CDomDoc.h"
 
 #include <QCoreApplication>
+
+#include <memory>
 
 using namespace NkrOdict;
 
@@ -362,6 +366,26 @@ bool COdict::hasVisibleObjects(unsigned int level) const
             return true;
     }
     return false;
+}
+
+bool COdict::valueObjectFromXml(CDomDoc &, COdictValueObject &object, QDomElement element)
+{
+    if (element.isNull())
+        return false;
+    const std::unique_ptr<COdictObject> read(COdictXmlFile::objectFromElement(element, E_OT_VALUE, nullptr));
+    const auto *value = dynamic_cast<const COdictValueObject *>(read.get());
+    if (!value || !value->isValid())
+        return false;
+    object = *value;
+    return true;
+}
+
+bool COdict::setObjectToXml(CDomDoc &doc, const COdictValueObject &object, QDomElement element)
+{
+    if (element.isNull())
+        return false;
+    COdictXmlFile::objectToElement(doc, element, object);
+    return true;
 }
 
 const COdictNode *COdict::lookup(const COdictObjectId &uid) const

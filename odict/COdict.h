@@ -20,6 +20,8 @@
 #include <type_traits>
 
 class CDeviceData;
+class CDomDoc;
+class QDomElement;
 class COdictObject;
 class COdictValueObject;
 class COdictEditorObject;
@@ -150,6 +152,12 @@ public:
     bool contains(unsigned long long packed) const;
     bool contains(NkrObjectIds::eObjectId_t id) const;
     KRODICT_INTEGER_KEY(contains, const)
+
+    /// Reads one value object from an "Object" element (or from the "Object" child of \a element)
+    /// of \a doc into \a object; false for a null element or an object that is not valid.
+    static bool valueObjectFromXml(CDomDoc &doc, COdictValueObject &object, QDomElement element);
+    /// Appends an "Object" element holding \a object to \a element; false for a null element.
+    static bool setObjectToXml(CDomDoc &doc, const COdictValueObject &object, QDomElement element);
 
 protected:
     COdict(COdictPrivate &dd, QObject *parent); // derived dictionaries pass their own private
