@@ -9,6 +9,8 @@
 #include "CStr.h"
 
 #include <QCoreApplication>
+#include <QHash>
+#include <QVector>
 #include <QXmlStreamWriter>
 
 using namespace NkrOdict;
@@ -30,11 +32,21 @@ const char *const fieldTags[F_COUNT] = {
 
 int fieldOf(QStringView tag)
 {
-    for (int f = 0; f < F_COUNT; ++f) {
-        if (tag == QLatin1String(fieldTags[f]))
-            return f;
-    }
-    return -1;
+    // Every sub-element of every object is looked up here: one hash lookup instead of comparing
+    // with each tag in turn. The views point into the static names, which live as long.
+    static const QVector<QString> names = [] {
+        QVector<QString> list;
+        for (const char *tagName : fieldTags)
+            list.append(QLatin1String(tagName));
+        return list;
+    }();
+    static const QHash<QStringView, int> index = [] {
+        QHash<QStringView, int> hash;
+        for (int f = 0; f < F_COUNT; ++f)
+            hash.insert(QStringView(names.at(f)), f);
+        return hash;
+    }();
+    return index.value(tag, -1);
 }
 
 QString translated(const QString &text)
