@@ -74,18 +74,6 @@ bool writeFile(const QString &path, const QString &text)
     return file.write(text.toUtf8()) > 0;
 }
 
-/// The sub-ids of the virtual objects directly below the object \a id, in child order.
-QList<unsigned int> virtualChildren(const COdict &dict, unsigned int id)
-{
-    QList<unsigned int> subIds;
-    for (const COdictNode *child : dict.node(id)->children()) {
-        const COdictObject *object = child->dataRef().objectPtr();
-        if (object && object->isVirtual())
-            subIds << object->subId();
-    }
-    return subIds;
-}
-
 int virtualObjectCount(const COdict &dict)
 {
     int count = 0;
@@ -96,344 +84,271 @@ int virtualObjectCount(const COdict &dict)
     return count;
 }
 
-/// Reads a dictionary file; a parameter dictionary reads it with loadParameterDictionary, since
-/// its loadDictionary expects a parameter-set file.
-int load(COdict &dict, const QString &path)
-{
-    return dict.objectType() == E_OT_PARAMETER ? dict.loadParameterDictionary(path) : dict.loadDictionary(path);
-}
-
-constexpr unsigned int idControl = 0x40; // U16 with bits 0, 1, 2
-constexpr unsigned int idXy = 0x41;      // XY of two pairs
-
-/// A value dictionary built by hand: a bit-set object and a data-type-24 parameter.
-void buildValueTree(COdictExtendEdit &dict)
-{
-    COdictObjectTree *tree = dict.objectTree();
-    COdictNode *top = tree->createDictionaryNode(QStringLiteral("Values"));
-    tree->rootNode()->appendChild(top);
-    auto add = [&](unsigned int id, const char *name, NTypes::eTypes_t type, unsigned int size, const COdictObjectBitSet &bits) {
-        COdictValueObject o;
-        o.setId(id);
-        o.setName(QString::fromLatin1(name));
-        o.setDataType(type);
-        o.setDataSize(size);
-        o.setObjectUsage(E_OU_PARAMETER);
-        o.setBitSetData(bits);
-        bool ok = false;
-        COdictNode *node = tree->createObjectNode(o, E_IT_OBJECT, &ok);
-        QVERIFY(ok);
-        top->appendChild(node);
-    };
-    COdictObjectBitSet bits;
-    bits.insert(0, QStringLiteral("Enable"));
-    bits.insert(1, QStringLiteral("Start"));
-    bits.insert(2, QStringLiteral("Reset"));
-    add(idControl, "CONTROL", NTypes::E_U16, 2, bits);
-    add(idXy, "XY_TABLE", NTypes::E_XY, 16, COdictObjectBitSet());
-}
-
 } // namespace
 
 class tst_OdictExtend : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-
-    void virtualSubObjects_data();
-    void virtualSubObjects();
-    void storedSubObjectsReplaceVirtualOnes();
-    void filterWithoutTreeIsIgnored();
-    void saveLeavesVirtualObjectsOut();
-
-    void bitValues_data();
-    void bitValues();
-    void halfWritesOwner_data();
-    void halfWritesOwner();
-
-private:
     QTemporaryDir m_dir;
     QString m_file;
-};
 
-void tst_OdictExtend::initTestCase()
-{
-    QVERIFY(m_dir.isValid());
-    m_file = m_dir.filePath(QStringLiteral("extend.xml"));
-    QVERIFY(writeFile(m_file, dictionaryXml(standardObjects())));
-}
-
-void tst_OdictExtend::virtualSubObjects_data()
-{
-    QTest::addColumn<NkrOdict::eObjectType_t>("kind");
-    QTest::addColumn<int>("filter");
-    QTest::addColumn<uint>("id");
-    QTest::addColumn<QStringList>("names"); // of the virtual sub-objects, "" for a sub-id not used
-    QTest::addColumn<int>("total");         // virtual objects in the whole dictionary
-
-    const QStringList status{QStringLiteral("Ready"), QStringLiteral("Enabled"), QString(), QString(), QString(),
-                             QStringLiteral("Fault")};
-    const QStringList halves{QStringLiteral("X1-Value"), QStringLiteral("Y1-Value"), QStringLiteral("X2-Value"),
-                             QStringLiteral("Y2-Value")};
-    QStringList last = QVector<QString>(63).toList();
-    last << QStringLiteral("Last");
-
-    QTest::newRow("no filter, bit set") << E_OT_VALUE << 0 << idStatus << QStringList() << 0;
-    QTest::newRow("no filter, XY") << E_OT_PARAMETER << 0 << idCurve << QStringList() << 0;
-    QTest::newRow("bits, plain objects") << E_OT_STD << int(E_VO_BITSET) << idStatus << status << 4;
-    QTest::newRow("bits, value objects") << E_OT_VALUE << int(E_VO_BITSET) << idStatus << status << 4;
-    QTest::newRow("bits, editor objects") << E_OT_EDITOR << int(E_VO_BITSET) << idStatus << status << 4;
-    QTest::newRow("bits, parameter objects") << E_OT_PARAMETER << int(E_VO_BITSET) << idStatus << status << 4;
-    QTest::newRow("bits, 64 bytes") << E_OT_STD << int(E_VO_BITSET) << idEdge << last << 4;
-    QTest::newRow("bits, 65 bytes is too wide") << E_OT_STD << int(E_VO_BITSET) << idWide << QStringList() << 4;
-    QTest::newRow("bits, XY stays whole") << E_OT_STD << int(E_VO_BITSET) << idCurve << QStringList() << 4;
-    QTest::newRow("XY, parameter of two pairs") << E_OT_PARAMETER << int(E_VO_XY) << idCurve << halves << 6;
-    QTest::newRow("XY, database parameter") << E_OT_PARAMETER << int(E_VO_XY) << idDbCurve << QStringList(halves.mid(0, 2)) << 6;
-    QTest::newRow("XY, actual value") << E_OT_PARAMETER << int(E_VO_XY) << idActCurve << QStringList() << 6;
-    QTest::newRow("XY, smaller than one pair") << E_OT_PARAMETER << int(E_VO_XY) << idShortCurve << QStringList() << 6;
-    QTest::newRow("XY, other data type") << E_OT_PARAMETER << int(E_VO_XY) << idPlain << QStringList() << 6;
-    QTest::newRow("XY, bit set stays whole") << E_OT_PARAMETER << int(E_VO_XY) << idStatus << QStringList() << 6;
-}
-
-void tst_OdictExtend::virtualSubObjects()
-{
-    QFETCH(NkrOdict::eObjectType_t, kind);
-    QFETCH(int, filter);
-    QFETCH(uint, id);
-    QFETCH(QStringList, names);
-    QFETCH(int, total);
-
-    CMemoryLogfile log;
-    COdictExtend dict(kind, &log);
-    dict.setObjectFilter(VirtualObjectFlags(filter));
-    log.clear();
-    QCOMPARE(load(dict, m_file), 0);
-    QCOMPARE(log.count(NkrLogfiles::E_SEV_CRITICAL), 0);
-    QCOMPARE(dict.objectFilter(), VirtualObjectFlags(filter));
-    QCOMPARE(virtualObjectCount(dict), total);
-
-    // One virtual sub-object per bit or XY half, numbered by its position and named after it.
-    QList<unsigned int> subIds;
-    for (int i = 0; i < names.size(); ++i) {
-        if (!names.at(i).isEmpty())
-            subIds << unsigned(i);
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        m_file = m_dir.filePath(QStringLiteral("extend.xml"));
+        QVERIFY(writeFile(m_file, dictionaryXml(standardObjects())));
     }
-    QCOMPARE(virtualChildren(dict, id), subIds);
-    QCOMPARE(dict.object(id).subIdList(), subIds);
-    QCOMPARE(dict.hasVirtualSubObjects(COdictObjectId(id)), !subIds.isEmpty());
-    QCOMPARE(dict.hasVirtualSubObjects(dict.object(id)), !subIds.isEmpty());
-    for (unsigned int subId : subIds) {
-        const COdictNode *node = dict.node(id, subId);
-        QVERIFY(node);
-        QCOMPARE(node->parent(), dict.node(id));
-        QCOMPARE(node->dataRef().type(), E_IT_SUBOBJECT);
-        QCOMPARE(node->dataRef().objectType(), kind);
-        const COdictObject *sub = node->dataRef().objectPtr();
-        QVERIFY(sub->isVirtual());
-        QCOMPARE(sub->name(), names.at(int(subId)));
-        QVERIFY(!sub->hasBitSet());
-        QVERIFY(sub->subIdList().isEmpty());
-        if (filter == E_VO_XY) {
-            QCOMPARE(sub->dataType(), NTypes::E_I32);
-            QCOMPARE(sub->dataSize(), 4u);
-        } else {
-            QCOMPARE(sub->uiName(), sub->name());
+
+    void virtualSubObjects_data()
+    {
+        QTest::addColumn<NkrOdict::eObjectType_t>("kind");
+        QTest::addColumn<int>("filter");
+        QTest::addColumn<uint>("id");
+        QTest::addColumn<QString>("subs"); // "sub-id=name" of the virtual sub-objects
+        QTest::addColumn<int>("total");    // virtual objects in the whole dictionary
+
+        const QString status = QStringLiteral("0=Ready 1=Enabled 5=Fault");
+        const QString halves = QStringLiteral("0=X1-Value 1=Y1-Value 2=X2-Value 3=Y2-Value");
+        QTest::newRow("no filter, bit set") << E_OT_VALUE << 0 << idStatus << QString() << 0;
+        QTest::newRow("no filter, XY") << E_OT_PARAMETER << 0 << idCurve << QString() << 0;
+        for (const eObjectType_t kind : {E_OT_STD, E_OT_VALUE, E_OT_EDITOR, E_OT_PARAMETER})
+            QTest::addRow("bits, object kind %d", int(kind)) << kind << int(E_VO_BITSET) << idStatus << status << 4;
+        QTest::newRow("bits, 64 bytes") << E_OT_STD << int(E_VO_BITSET) << idEdge << "63=Last" << 4;
+        QTest::newRow("bits, 65 bytes is too wide") << E_OT_STD << int(E_VO_BITSET) << idWide << QString() << 4;
+        QTest::newRow("bits, XY stays whole") << E_OT_STD << int(E_VO_BITSET) << idCurve << QString() << 4;
+        QTest::newRow("XY, parameter of two pairs") << E_OT_PARAMETER << int(E_VO_XY) << idCurve << halves << 6;
+        QTest::newRow("XY, database parameter") << E_OT_PARAMETER << int(E_VO_XY) << idDbCurve << halves.left(21) << 6;
+        QTest::newRow("XY, actual value") << E_OT_PARAMETER << int(E_VO_XY) << idActCurve << QString() << 6;
+        QTest::newRow("XY, smaller than one pair") << E_OT_PARAMETER << int(E_VO_XY) << idShortCurve << QString() << 6;
+        QTest::newRow("XY, other data type") << E_OT_PARAMETER << int(E_VO_XY) << idPlain << QString() << 6;
+        QTest::newRow("XY, bit set stays whole") << E_OT_PARAMETER << int(E_VO_XY) << idStatus << QString() << 6;
+    }
+
+    void virtualSubObjects()
+    {
+        QFETCH(NkrOdict::eObjectType_t, kind);
+        QFETCH(int, filter);
+        QFETCH(uint, id);
+        QFETCH(QString, subs);
+        QFETCH(int, total);
+
+        CMemoryLogfile log;
+        COdictExtend dict(kind, &log);
+        dict.setObjectFilter(VirtualObjectFlags(filter));
+        log.clear();
+        // A parameter dictionary's loadDictionary expects a parameter-set file.
+        QCOMPARE(kind == E_OT_PARAMETER ? dict.loadParameterDictionary(m_file) : dict.loadDictionary(m_file), 0);
+        QCOMPARE(log.count(NkrLogfiles::E_SEV_CRITICAL), 0);
+        QCOMPARE(dict.objectFilter(), VirtualObjectFlags(filter));
+        QCOMPARE(virtualObjectCount(dict), total);
+
+        // One virtual sub-object per bit or XY half, numbered by its position and named after it.
+        QStringList found;
+        QList<unsigned int> subIds;
+        for (const COdictNode *node : dict.node(id)->children()) {
+            const COdictObject *sub = node->dataRef().objectPtr();
+            if (!sub || !sub->isVirtual())
+                continue;
+            found << QStringLiteral("%1=%2").arg(sub->subId()).arg(sub->name());
+            subIds << sub->subId();
+            QCOMPARE(dict.node(id, sub->subId()), node);
+            QCOMPARE(node->dataRef().type(), E_IT_SUBOBJECT);
+            QCOMPARE(node->dataRef().objectType(), kind);
+            QVERIFY(!sub->hasBitSet() && sub->subIdList().isEmpty());
+            if (filter == E_VO_XY)
+                QVERIFY(sub->dataType() == NTypes::E_I32 && sub->dataSize() == 4u);
+            else
+                QCOMPARE(sub->uiName(), sub->name());
+            // The halves of every XY object share their names; the name index holds one of them.
+            const COdictNode *named = dict.node(sub->uniqueName());
+            QCOMPARE(named ? named->dataRef().name() : QString(), sub->name());
         }
-        // The halves of every XY object share their names; the name index holds one of them.
-        QVERIFY(dict.node(sub->uniqueName()));
-        QCOMPARE(dict.node(sub->uniqueName())->dataRef().name(), sub->name());
-    }
-    checkIndexInvariants(*dict.objectTree());
-}
-
-void tst_OdictExtend::storedSubObjectsReplaceVirtualOnes()
-{
-    // RECORD has a bit set and stored sub-objects, the first with a bit set of its own: none of
-    // them gets virtual sub-objects, and writing the owner leaves the stored sub-objects alone.
-    const QString subs = objectXml(idRecord, "RECORD_0", "U16", 2, "0x4", "0=Inner", "0")
-        + objectXml(idRecord, "RECORD_3", "U16", 2, "0x4", "", "3");
-    const QString path = m_dir.filePath(QStringLiteral("record.xml"));
-    QVERIFY(writeFile(path, dictionaryXml(standardObjects()
-                                          + objectXml(idRecord, "RECORD", "U32", 4, "0x4", "0=Low,1=High", "", subs))));
-
-    CMemoryLogfile log;
-    COdictExtendEdit dict(E_OT_VALUE, &log);
-    dict.setObjectFilter(E_VO_BITSET);
-    log.clear();
-    QCOMPARE(dict.loadDictionary(path), 0);
-    QCOMPARE(log.texts(NkrLogfiles::E_SEV_CRITICAL), QStringList());
-
-    QCOMPARE(virtualObjectCount(dict), 4); // those of the standard objects only
-    QCOMPARE(dict.node(idRecord)->childCount(), 2);
-    QCOMPARE(dict.node(idRecord, 0)->childCount(), 0);
-    QCOMPARE(dict.object(idRecord, 0).name(), QStringLiteral("RECORD_0"));
-    QCOMPARE(dict.object(idRecord).subIdList(), (QList<unsigned int>{0, 3}));
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(idRecord)));
-    QVERIFY(dict.hasVirtualSubObjects(COdictObjectId(idStatus)));
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(0x999)));
-    QVERIFY(!dict.hasVirtualSubObjects(COdictObject()));
-    // An object is asked about by its id and its own sub-id list, not by the dictionary's copy.
-    COdictObject copy = dict.object(idStatus);
-    copy.clearSubIds();
-    QVERIFY(!dict.hasVirtualSubObjects(copy));
-    checkIndexInvariants(*dict.objectTree());
-
-    for (unsigned int subId : {0u, 3u}) {
-        COdictValueObject stored = dict.valueObject(idRecord, subId);
-        stored.setCurrentValue(CVariant::fromU64(0x1234 + subId, NTypes::E_U16));
-        QVERIFY(dict.setValueObject(stored));
-    }
-    COdictValueObject owner = dict.valueObject(idRecord);
-    owner.setCurrentValue(CVariant::fromU64(0x1, NTypes::E_U32));
-    QVERIFY(dict.setValueObject(owner));
-    QCOMPARE(dict.valueObject(idRecord).currentCValue().toU64(), quint64(1));
-    QCOMPARE(dict.valueObject(idRecord, 0).currentCValue().toU64(), quint64(0x1234));
-    QCOMPARE(dict.valueObject(idRecord, 3).currentCValue().toU64(), quint64(0x1237));
-}
-
-void tst_OdictExtend::filterWithoutTreeIsIgnored()
-{
-    CMemoryLogfile log;
-    COdictExtend extend(E_OT_UNKNOWN, &log);
-    QVERIFY(!extend.objectTree());
-    extend.setObjectFilter(E_VO_BITSET | E_VO_XY);
-    QCOMPARE(extend.objectFilter(), VirtualObjectFlags());
-    QVERIFY(!extend.hasVirtualSubObjects(COdictObjectId(idStatus)));
-
-    COdictExtendEdit edit(E_OT_UNKNOWN, &log);
-    edit.setObjectFilter(E_VO_BITSET);
-    QCOMPARE(edit.objectFilter(), VirtualObjectFlags());
-    COdictValueObject control;
-    control.setId(idControl);
-    QVERIFY(!edit.setValueObject(control));
-}
-
-void tst_OdictExtend::saveLeavesVirtualObjectsOut()
-{
-    COdictExtendEdit dict(E_OT_EDITOR);
-    dict.setObjectFilter(E_VO_BITSET | E_VO_XY);
-    QCOMPARE(dict.loadDictionary(m_file), 0);
-    QCOMPARE(virtualObjectCount(dict), 10); // 3 + 1 bits, 4 + 2 halves
-
-    const QString saved = m_dir.filePath(QStringLiteral("saved.xml"));
-    QCOMPARE(dict.saveDictionary(saved), 0);
-
-    COdictEdit plain(E_OT_EDITOR);
-    QCOMPARE(plain.loadDictionary(saved), 0);
-    QCOMPARE(plain.allObjectUIds().size(), dict.allObjectUIds().size() - 10);
-    for (const COdictObjectId &uid : plain.allObjectUIds()) {
-        QVERIFY(plain.object(uid).subIdList().isEmpty());
-        QCOMPARE(plain.node(uid)->childCount(), 0);
+        QCOMPARE(found.join(QLatin1Char(' ')), subs);
+        QCOMPARE(dict.object(id).subIdList(), subIds);
+        QCOMPARE(dict.hasVirtualSubObjects(COdictObjectId(id)), !subIds.isEmpty());
+        QCOMPARE(dict.hasVirtualSubObjects(dict.object(id)), !subIds.isEmpty());
+        checkIndexInvariants(*dict.objectTree());
     }
 
-    // Loading the saved file with the filter again gives the same objects.
-    COdictExtend again(E_OT_EDITOR);
-    again.setObjectFilter(E_VO_BITSET | E_VO_XY);
-    QCOMPARE(again.loadDictionary(saved), 0);
-    QCOMPARE(again.allObjectUIds(), dict.allObjectUIds());
-}
+    void storedSubObjectsReplaceVirtualOnes()
+    {
+        // RECORD has a bit set and stored sub-objects, the first with a bit set of its own: none of
+        // them gets virtual sub-objects, and writing the owner leaves the stored sub-objects alone.
+        const QString subs = objectXml(idRecord, "RECORD_0", "U16", 2, "0x4", "0=Inner", "0")
+            + objectXml(idRecord, "RECORD_3", "U16", 2, "0x4", "", "3");
+        const QString path = m_dir.filePath(QStringLiteral("record.xml"));
+        QVERIFY(writeFile(path, dictionaryXml(standardObjects()
+                                              + objectXml(idRecord, "RECORD", "U32", 4, "0x4", "0=Low,1=High", "", subs))));
 
-void tst_OdictExtend::bitValues_data()
-{
-    QTest::addColumn<uint>("value");
-    QTest::addColumn<uint>("bit");
-    QTest::addColumn<bool>("set");
-    QTest::addColumn<uint>("owner"); // after the bit is written
+        CMemoryLogfile log;
+        COdictExtendEdit dict(E_OT_VALUE, &log);
+        dict.setObjectFilter(E_VO_BITSET);
+        log.clear();
+        QCOMPARE(dict.loadDictionary(path), 0);
+        QCOMPARE(log.texts(NkrLogfiles::E_SEV_CRITICAL), QStringList());
 
-    QTest::newRow("0b101, set bit 1") << 0x5u << 1u << true << 0x7u;
-    QTest::newRow("0b101, clear bit 0") << 0x5u << 0u << false << 0x4u;
-    QTest::newRow("only bits above the bit set, set bit 2") << 0xFFF8u << 2u << true << 0xFFFCu;
-}
+        QCOMPARE(virtualObjectCount(dict), 4); // those of the standard objects only
+        QCOMPARE(dict.node(idRecord)->childCount(), 2);
+        QCOMPARE(dict.node(idRecord, 0)->childCount(), 0);
+        QCOMPARE(dict.object(idRecord, 0).name(), QStringLiteral("RECORD_0"));
+        QCOMPARE(dict.object(idRecord).subIdList(), (QList<unsigned int>{0, 3}));
+        QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(idRecord)));
+        QVERIFY(dict.hasVirtualSubObjects(COdictObjectId(idStatus)));
+        QVERIFY(!dict.hasVirtualSubObjects(COdictObjectId(0x999)));
+        QVERIFY(!dict.hasVirtualSubObjects(COdictObject()));
+        // An object is asked about by its id and its own sub-id list, not by the dictionary's copy.
+        COdictObject copy = dict.object(idStatus);
+        copy.clearSubIds();
+        QVERIFY(!dict.hasVirtualSubObjects(copy));
+        checkIndexInvariants(*dict.objectTree());
 
-void tst_OdictExtend::bitValues()
-{
-    QFETCH(uint, value);
-    QFETCH(uint, bit);
-    QFETCH(bool, set);
-    QFETCH(uint, owner);
-
-    COdictExtendEdit dict(E_OT_VALUE);
-    dict.setObjectFilter(E_VO_BITSET | E_VO_XY);
-    buildValueTree(dict);
-    QCOMPARE(dict.object(idControl).subIdList(), (QList<unsigned int>{0, 1, 2}));
-    QVERIFY(dict.hasVirtualSubObjects(dict.valueObject(idControl)));
-
-    // The owner's value reaches its bits.
-    COdictValueObject start = dict.valueObject(idControl);
-    start.setCurrentValue(CVariant::fromU64(value, NTypes::E_U16));
-    start.setSetpointValue(CVariant::fromU64(~value & 0xFFFF, NTypes::E_U16));
-    start.setError(7);
-    QVERIFY(dict.setValueObject(start));
-    for (unsigned int b = 0; b < 3; ++b) {
-        const COdictValueObject sub = dict.valueObject(idControl, b);
-        QVERIFY(sub.isVirtual());
-        QCOMPARE(sub.currentValue().toBool(), bool(value & (1u << b)));
-        QCOMPARE(sub.setpointValue().toBool(), !(value & (1u << b)));
-        QCOMPARE(sub.error(), 7);
+        // The two stored sub-objects, then the owner.
+        for (const unsigned int subId : {0u, 3u, 0xFFFFFFFFu}) {
+            COdictValueObject stored = dict.valueObject(idRecord, subId);
+            stored.setCurrentValue(CVariant::fromU64(subId > 3 ? 1 : 0x1234 + subId, stored.dataType()));
+            QVERIFY(dict.setValueObject(stored));
+        }
+        const auto value = [&dict](unsigned int subId) { return dict.valueObject(idRecord, subId).currentCValue().toU64(); };
+        QCOMPARE(QStringLiteral("%1 %2 %3").arg(value(0xFFFFFFFFu)).arg(value(0), 0, 16).arg(value(3), 0, 16),
+                 QStringLiteral("1 1234 1237"));
     }
 
-    // A bit written reaches the owner, whose other values are written back unchanged.
-    COdictValueObject sub = dict.valueObject(idControl, bit);
-    sub.setCurrentValue(QVariant(set));
-    QVERIFY(dict.setValueObject(sub));
-    QCOMPARE(dict.valueObject(idControl).currentCValue().toU64(), quint64(owner));
-    QCOMPARE(dict.valueObject(idControl).setpointCValue().toU64(), quint64(~value & 0xFFFF));
-    for (unsigned int b = 0; b < 3; ++b)
-        QCOMPARE(dict.valueObject(idControl, b).currentValue().toBool(), bool(owner & (1u << b)));
-    QVERIFY(dict.valueObject(idControl, bit).isVirtual());
+    void filterWithoutTreeIsIgnored()
+    {
+        CMemoryLogfile log;
+        COdictExtend extend(E_OT_UNKNOWN, &log);
+        QVERIFY(!extend.objectTree());
+        extend.setObjectFilter(E_VO_BITSET | E_VO_XY);
+        QCOMPARE(extend.objectFilter(), VirtualObjectFlags());
+        QVERIFY(!extend.hasVirtualSubObjects(COdictObjectId(idStatus)));
 
-    // A virtual object the dictionary does not hold has no owner to write into.
-    const COdictValueObject before = dict.valueObject(idControl);
-    COdictValueObject stray = dict.valueObject(idControl, 1);
-    stray.setSubId(7);
-    stray.setCurrentValue(QVariant(true));
-    QVERIFY(!dict.setValueObject(stray));
-    QVERIFY(dict.valueObject(idControl) == before);
-    checkIndexInvariants(*dict.objectTree());
-}
+        COdictExtendEdit edit(E_OT_UNKNOWN, &log);
+        edit.setObjectFilter(E_VO_BITSET);
+        QCOMPARE(edit.objectFilter(), VirtualObjectFlags());
+        COdictValueObject status;
+        status.setId(idStatus);
+        QVERIFY(!edit.setValueObject(status));
+    }
 
-void tst_OdictExtend::halfWritesOwner_data()
-{
-    QTest::addColumn<uint>("subId");
-    QTest::addColumn<int>("value");
-    QTest::newRow("Y1") << 1u << -2;
-    QTest::newRow("Y2") << 3u << 0x01020304;
-}
+    void saveLeavesVirtualObjectsOut()
+    {
+        COdictExtendEdit dict(E_OT_EDITOR);
+        dict.setObjectFilter(E_VO_BITSET | E_VO_XY);
+        QCOMPARE(dict.loadDictionary(m_file), 0);
+        QCOMPARE(virtualObjectCount(dict), 10); // 3 + 1 bits, 4 + 2 halves
 
-void tst_OdictExtend::halfWritesOwner()
-{
-    QFETCH(uint, subId);
-    QFETCH(int, value);
+        const QString saved = m_dir.filePath(QStringLiteral("saved.xml"));
+        QCOMPARE(dict.saveDictionary(saved), 0);
+        COdictEdit plain(E_OT_EDITOR);
+        QCOMPARE(plain.loadDictionary(saved), 0);
+        QCOMPARE(plain.allObjectUIds().size(), dict.allObjectUIds().size() - 10);
+        for (const COdictObjectId &uid : plain.allObjectUIds())
+            QVERIFY(plain.object(uid).subIdList().isEmpty() && plain.node(uid)->childCount() == 0);
 
-    COdictExtendEdit dict(E_OT_VALUE);
-    dict.setObjectFilter(E_VO_XY);
-    buildValueTree(dict);
-    QCOMPARE(virtualChildren(dict, idXy), (QList<unsigned int>{0, 1, 2, 3}));
-    QByteArray start(16, '\0');
-    for (int i = 0; i < start.size(); ++i)
-        start[i] = char(0xA0 + i);
-    COdictValueObject owner = dict.valueObject(idXy);
-    owner.setCurrentValue(QVariant(start));
-    QVERIFY(dict.setValueObject(owner));
-    // Each half reads its four bytes as a little-endian signed number.
-    for (unsigned int i = 0; i < 4; ++i)
-        QCOMPARE(dict.valueObject(idXy, i).currentCValue().toI64(), qint64(qFromLittleEndian<qint32>(start.constData() + 4 * i)));
+        // Loading the saved file with the filter again gives the same objects.
+        COdictExtend again(E_OT_EDITOR);
+        again.setObjectFilter(E_VO_BITSET | E_VO_XY);
+        QCOMPARE(again.loadDictionary(saved), 0);
+        QCOMPARE(again.allObjectUIds(), dict.allObjectUIds());
+    }
 
-    COdictValueObject half = dict.valueObject(idXy, subId);
-    QVERIFY(half.isVirtual());
-    half.setCurrentValue(CVariant::fromI64(value, NTypes::E_I32));
-    QVERIFY(dict.setValueObject(half));
+    void bitValues_data()
+    {
+        QTest::addColumn<uint>("value");
+        QTest::addColumn<uint>("bit");
+        QTest::addColumn<bool>("set");
+        QTest::addColumn<uint>("owner"); // after the bit is written
 
-    // Only the four bytes of the half written change.
-    QByteArray expected = start;
-    qToLittleEndian<qint32>(value, expected.data() + 4 * subId);
-    QByteArray bytes = dict.valueObject(idXy).currentValue().toByteArray();
-    bytes.resize(16);
-    QCOMPARE(bytes, expected);
-    QCOMPARE(dict.valueObject(idXy, subId).currentCValue().toI64(), qint64(value));
-}
+        QTest::newRow("0b101, set bit 1") << 0x5u << 1u << true << 0x7u;
+        QTest::newRow("0b101, clear bit 0") << 0x5u << 0u << false << 0x4u;
+        QTest::newRow("bits outside the bit set survive, set bit 5") << 0xFFDCu << 5u << true << 0xFFFCu;
+    }
+
+    void bitValues()
+    {
+        QFETCH(uint, value);
+        QFETCH(uint, bit);
+        QFETCH(bool, set);
+        QFETCH(uint, owner);
+
+        COdictExtendEdit dict(E_OT_VALUE);
+        dict.setObjectFilter(E_VO_BITSET | E_VO_XY);
+        QCOMPARE(dict.loadDictionary(m_file), 0);
+        QVERIFY(dict.hasVirtualSubObjects(dict.valueObject(idStatus)));
+
+        // The owner's value reaches its bits.
+        COdictValueObject start = dict.valueObject(idStatus);
+        start.setCurrentValue(CVariant::fromU64(value, NTypes::E_U16));
+        start.setSetpointValue(CVariant::fromU64(~value & 0xFFFF, NTypes::E_U16));
+        start.setError(7);
+        QVERIFY(dict.setValueObject(start));
+        for (const unsigned int b : {0u, 1u, 5u}) {
+            const COdictValueObject sub = dict.valueObject(idStatus, b);
+            QVERIFY(sub.isVirtual() && sub.error() == 7);
+            QCOMPARE(sub.currentValue().toBool(), bool(value & (1u << b)));
+            QCOMPARE(sub.setpointValue().toBool(), !(value & (1u << b)));
+        }
+
+        // A bit written reaches the owner, whose other values are written back unchanged.
+        COdictValueObject sub = dict.valueObject(idStatus, bit);
+        sub.setCurrentValue(QVariant(set));
+        QVERIFY(dict.setValueObject(sub));
+        QCOMPARE(dict.valueObject(idStatus).currentCValue().toU64(), quint64(owner));
+        QCOMPARE(dict.valueObject(idStatus).setpointCValue().toU64(), quint64(~value & 0xFFFF));
+        for (const unsigned int b : {0u, 1u, 5u})
+            QCOMPARE(dict.valueObject(idStatus, b).currentValue().toBool(), bool(owner & (1u << b)));
+        QVERIFY(dict.valueObject(idStatus, bit).isVirtual());
+
+        // A virtual object the dictionary does not hold has no owner to write into.
+        const COdictValueObject before = dict.valueObject(idStatus);
+        COdictValueObject stray = dict.valueObject(idStatus, 1);
+        stray.setSubId(7);
+        stray.setCurrentValue(QVariant(true));
+        QVERIFY(!dict.setValueObject(stray));
+        QVERIFY(dict.valueObject(idStatus) == before);
+        checkIndexInvariants(*dict.objectTree());
+    }
+
+    void halfWritesOwner_data()
+    {
+        QTest::addColumn<uint>("subId");
+        QTest::addColumn<int>("value");
+        QTest::newRow("Y1") << 1u << -2;
+        QTest::newRow("Y2") << 3u << 0x01020304;
+    }
+
+    void halfWritesOwner()
+    {
+        QFETCH(uint, subId);
+        QFETCH(int, value);
+
+        COdictExtendEdit dict(E_OT_VALUE);
+        dict.setObjectFilter(E_VO_XY);
+        QCOMPARE(dict.loadDictionary(m_file), 0);
+        const QByteArray start = QByteArray::fromHex("a0a1a2a3a4a5a6a7a8a9aaabacadaeaf");
+        COdictValueObject owner = dict.valueObject(idCurve);
+        owner.setCurrentValue(QVariant(start));
+        QVERIFY(dict.setValueObject(owner));
+        // Each half reads its four bytes as a little-endian signed number.
+        for (unsigned int i = 0; i < 4; ++i)
+            QCOMPARE(dict.valueObject(idCurve, i).currentCValue().toI64(), qint64(qFromLittleEndian<qint32>(start.constData() + 4 * i)));
+
+        COdictValueObject half = dict.valueObject(idCurve, subId);
+        QVERIFY(half.isVirtual());
+        half.setCurrentValue(CVariant::fromI64(value, NTypes::E_I32));
+        QVERIFY(dict.setValueObject(half));
+
+        // Only the four bytes of the half written change.
+        QByteArray expected = start;
+        qToLittleEndian<qint32>(value, expected.data() + 4 * subId);
+        QByteArray bytes = dict.valueObject(idCurve).currentValue().toByteArray();
+        bytes.resize(16);
+        QCOMPARE(bytes, expected);
+        QCOMPARE(dict.valueObject(idCurve, subId).currentCValue().toI64(), qint64(value));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_OdictExtend)
 #include "tst_odictextend.moc"

@@ -28,13 +28,10 @@ COdictNode *objectNode(COdictObjectTree &tree, const COdictObjectId &uid, const 
 COdictNode *addObject(COdictObjectTree &tree, COdictNode *parent, const COdictObjectId &uid, const QString &name)
 {
     bool ok = false;
-    COdictNode *node = objectNode(tree, uid, name, &ok);
-    if (!ok) {
-        delete node;
-        return nullptr;
-    }
-    parent->appendChild(node);
-    return node;
+    QScopedPointer<COdictNode> node(objectNode(tree, uid, name, &ok));
+    if (ok)
+        parent->appendChild(node.get());
+    return ok ? node.take() : nullptr;
 }
 
 COdictNode *addGroup(const COdictObjectTree &tree, COdictNode *parent, const QString &name, const QString &label)
@@ -69,21 +66,12 @@ void fillSample(COdictObjectTree &tree)
     addObject(tree, dictionary, 0x1002u, QStringLiteral("Torque"));
 }
 
-QList<const COdictNode *> preOrder(const COdictNode *top)
+void preOrder(const COdictNode *node, QList<const COdictNode *> &nodes)
 {
-    QList<const COdictNode *> nodes;
-    QVector<const COdictNode *> pending{top};
-    while (!pending.isEmpty()) {
-        const COdictNode *current = pending.takeLast();
-        nodes.append(current);
-        for (int i = current->childCount() - 1; i >= 0; --i)
-            pending.append(current->child(i));
-    }
-    return nodes;
+    nodes << node;
+    for (const COdictNode *child : node->children())
+        preOrder(child, nodes);
 }
-
-const CXMLMetaData meta(QDate(2024, 5, 1), QTime(12, 0), QStringLiteral("me"), QString(),
-                        NTypes::uVersion_t(0x01000000));
 
 } // namespace
 
@@ -97,286 +85,249 @@ class tst_OdictTree : public QObject
     Q_OBJECT
 
 private slots:
-    void lookupsAndObjectLists();
-    void duplicateIdIsRejected_data();
-    void duplicateIdIsRejected();
-    void groupFallbackByName_data();
-    void groupFallbackByName();
-    void highestIds_data();
-    void highestIds();
-    void copyAnswersWithItsOwnNodes();
-    void clearEmptiesIndexes();
-    void replaceObject_data();
-    void replaceObject();
-};
+    void lookupsAndObjectLists()
+    {
+        COdictObjectTree tree(E_OT_VALUE, nullptr);
+        fillSample(tree);
+        checkIndexInvariants(tree);
+        const COdictNode *dictionary = tree.dictionaryNode();
+        const COdictNode *motor = dictionary->child(1);
+        const COdictNode *speed = motor->child(0);
 
-void tst_OdictTree::lookupsAndObjectLists()
-{
-    COdictObjectTree tree(E_OT_VALUE, nullptr);
-    fillSample(tree);
-    checkIndexInvariants(tree);
-    const COdictNode *dictionary = tree.dictionaryNode();
-    const COdictNode *motor = dictionary->child(1);
-    const COdictNode *speed = motor->child(0);
+        QCOMPARE(tree.node(0x2001u, none), speed);
+        QCOMPARE(tree.node(COdictObjectName(QStringLiteral("Speed"))), speed);
+        QCOMPARE(tree.node(QStringLiteral("Speed"), 2u), speed->child(1));
+        QCOMPARE(tree.objectPtr(0x2001u, 2u), speed->child(1)->dataRef().objectPtr());
+        QCOMPARE(tree.objectPtr(QStringLiteral("Torque"), none)->id(), 0x1002u); // the later of two
+        QCOMPARE(tree.findNodeByRefId(speed->dataRef().refId()), speed);
+        QCOMPARE(tree.findNodeByRefId(tree.rootNode()->dataRef().refId()), tree.rootNode());
+        // An unknown sub-id, an unknown id, a name in another case, an unknown name and ref id.
+        QCOMPARE((QVector<const void *>{tree.node(0x2001u, 3u), tree.objectPtr(0x2002u, none), tree.node(QStringLiteral("speed"), none),
+                                        tree.objectPtr(QStringLiteral("Nothing"), none), tree.findNodeByRefId(QUuid::createUuid())}),
+                 QVector<const void *>(5, nullptr));
 
-    QCOMPARE(tree.node(0x2001u, none), speed);
-    QCOMPARE(tree.node(COdictObjectName(QStringLiteral("Speed"))), speed);
-    QCOMPARE(tree.node(QStringLiteral("Speed"), 2u), speed->child(1));
-    QCOMPARE(tree.objectPtr(0x2001u, 2u), speed->child(1)->dataRef().objectPtr());
-    QCOMPARE(tree.objectPtr(QStringLiteral("Torque"), none)->id(), 0x1002u); // the later of two
-    QCOMPARE(tree.findNodeByRefId(speed->dataRef().refId()), speed);
-    QCOMPARE(tree.findNodeByRefId(tree.rootNode()->dataRef().refId()), tree.rootNode());
-    QVERIFY(!tree.node(0x2001u, 3u));
-    QVERIFY(!tree.objectPtr(0x2002u, none));
-    QVERIFY(!tree.node(QStringLiteral("speed"), none)); // exact, case included
-    QVERIFY(!tree.objectPtr(QStringLiteral("Nothing"), none));
-    QVERIFY(!tree.findNodeByRefId(QUuid::createUuid()));
-
-    // The whole dictionary: objects by key, then sub-objects.
-    QCOMPARE(tree.allObjectUIds(), (QList<COdictObjectId>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u,
-                                                          COdictObjectId(0x2001u, 1u), COdictObjectId(0x2001u, 2u)}));
-    QCOMPARE(tree.allObjectUIds(dictionary), tree.allObjectUIds());
-    QCOMPARE(tree.allObjectIds(), (QList<uint>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u, 0x2001u, 0x2001u}));
-    // Of a group: child order, the nested group spliced in at its place, no sub-objects.
-    QCOMPARE(tree.allObjectUIds(motor), (QList<COdictObjectId>{0x2001u, 0x2005u, 0x2003u}));
-    QCOMPARE(tree.allObjectUIds(motor->child(1)), QList<COdictObjectId>{0x2005u});
-    QVERIFY(tree.allObjectUIds(dictionary->child(2)).isEmpty()); // empty group
-    QVERIFY(tree.allObjectUIds(speed).isEmpty());                 // object
-    QVERIFY(tree.allObjectUIds(speed->child(0)).isEmpty());
-    QVERIFY(tree.allObjectUIds(tree.rootNode()).isEmpty());
-    QVERIFY(tree.allObjectIds(nullptr).isEmpty());
-}
-
-void tst_OdictTree::duplicateIdIsRejected_data()
-{
-    QTest::addColumn<COdictObjectId>("uid");
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<QString>("second");
-    QTest::addColumn<QString>("message");
-
-    QTest::newRow("sub-object") << COdictObjectId(0x2001u, 3u) << "First" << "Second"
-                                << "Double Object-ID detected : ID 0x2001 Sub-ID 0x3; First, Second";
-    QTest::newRow("object") << COdictObjectId(0xABCDu) << "Alpha" << "Beta"
-                            << "Double Object-ID detected : ID 0xabcd Sub-ID 0xffffffff; Alpha, Beta";
-    QTest::newRow("names with percent signs") << COdictObjectId(0x10u, 0x1Fu) << "A%1" << "B%2"
-                                              << "Double Object-ID detected : ID 0x10 Sub-ID 0x1f; A%1, B%2";
-}
-
-void tst_OdictTree::duplicateIdIsRejected()
-{
-    QFETCH(COdictObjectId, uid);
-    QFETCH(QString, first);
-    QFETCH(QString, second);
-    QFETCH(QString, message);
-
-    CMemoryLogfile log;
-    COdictObjectTree tree(E_OT_EDITOR, &log);
-    COdictNode *firstNode = addObject(tree, addDictionary(tree), uid, first);
-    QVERIFY(firstNode);
-
-    bool ok = true;
-    QScopedPointer<COdictNode> rejected(objectNode(tree, uid, second, &ok));
-    QVERIFY(!ok);
-    QVERIFY(rejected && !rejected->parent());
-
-    QCOMPARE(log.entries().size(), 1);
-    QCOMPARE(log.entries().at(0).severity, NkrLogfiles::E_SEV_CRITICAL);
-    QCOMPARE(log.entries().at(0).text, message);
-    QCOMPARE(log.entries().at(0).flags, 0u);
-
-    QCOMPARE(tree.node(uid), firstNode);
-    checkIndexInvariants(tree); // no entry for the rejected node either
-}
-
-void tst_OdictTree::groupFallbackByName_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<uint>("subId");
-    QTest::addColumn<QString>("expected"); // ui name of the node found; empty for none
-
-    QTest::newRow("first non-empty group") << "GROUP" << none << "nested";
-    QTest::newRow("fallback ignores the sub-id") << "GROUP" << 5u << "nested";
-    QTest::newRow("group of its own name") << "Motor" << none << "Antrieb";
-    QTest::newRow("empty group never matches") << "Empty" << none << "";
-    QTest::newRow("index wins over a group") << "Speed" << none << "Speed";
-    QTest::newRow("object with children is skipped") << "Speed" << 7u << "shadow";
-    QTest::newRow("unknown name") << "Nothing" << none << "";
-}
-
-void tst_OdictTree::groupFallbackByName()
-{
-    QFETCH(QString, name);
-    QFETCH(uint, subId);
-    QFETCH(QString, expected);
-
-    // The sample plus Motor { ..., GROUP "first" {}, GROUP "nested" { A } }, GROUP "last" { B } and a
-    // group "shadow" named Speed { C }: depth first, "nested" comes before "last".
-    COdictObjectTree tree(E_OT_VALUE, nullptr);
-    fillSample(tree);
-    COdictNode *dictionary = tree.dictionaryNode();
-    COdictNode *motor = dictionary->child(1);
-    addGroup(tree, motor, QStringLiteral("GROUP"), QStringLiteral("first"));
-    addObject(tree, addGroup(tree, motor, QStringLiteral("GROUP"), QStringLiteral("nested")), 1u, QStringLiteral("A"));
-    addObject(tree, addGroup(tree, dictionary, QStringLiteral("GROUP"), QStringLiteral("last")), 2u, QStringLiteral("B"));
-    addObject(tree, addGroup(tree, dictionary, QStringLiteral("Speed"), QStringLiteral("shadow")), 3u, "C");
-
-    const COdictNode *found = tree.node(COdictObjectName(name, subId));
-    QCOMPARE(found ? found->dataRef().uiName() : QString(), expected);
-    QCOMPARE(tree.node(name, subId), found);
-    // A group's item has no object.
-    if (found && found->dataRef().type() == E_IT_GROUP)
-        QVERIFY(!tree.objectPtr(COdictObjectName(name, subId)));
-}
-
-void tst_OdictTree::highestIds_data()
-{
-    QTest::addColumn<QList<COdictObjectId>>("keys");
-    QTest::addColumn<uint>("highestId");
-    QTest::addColumn<COdictObjectId>("highestUId");
-
-    using Id = COdictObjectId;
-    QTest::newRow("empty") << QList<Id>{} << 0u << Id(none, none);
-    QTest::newRow("gaps") << QList<Id>{1u, 0x2000u, 5u} << 0x2000u << Id(0x2000u);
-    QTest::newRow("sub-objects of the highest id")
-        << QList<Id>{0x10u, 0x20u, Id(0x20u, 0u), Id(0x20u, 3u), Id(0x20u, 1u), Id(0x10u, 9u)} << 0x20u << Id(0x20u, 3u);
-    QTest::newRow("sub-id 0 only") << QList<Id>{0x40u, Id(0x40u, 0u)} << 0x40u << Id(0x40u, 0u);
-    // Plain keys sort before every sub-object key; the highest id may still be a plain one.
-    QTest::newRow("plain id above the sub-objects")
-        << QList<Id>{0x30u, 0x20u, Id(0x20u, 3u)} << 0x30u << Id(0x30u);
-    // Sub-objects of id 0 pack among the plain ids.
-    QTest::newRow("sub-objects of id 0") << QList<Id>{0u, 3u, Id(0u, 7u)} << 3u << Id(3u);
-    QTest::newRow("only id 0") << QList<Id>{0u, Id(0u, 9u), Id(0u, 7u)} << 0u << Id(0u, 9u);
-}
-
-void tst_OdictTree::highestIds()
-{
-    QFETCH(QList<COdictObjectId>, keys);
-    QFETCH(uint, highestId);
-    QFETCH(COdictObjectId, highestUId);
-
-    COdictObjectTree tree(E_OT_STD, nullptr);
-    COdictNode *dictionary = addDictionary(tree);
-    for (const COdictObjectId &key : keys)
-        QVERIFY(addObject(tree, dictionary, key, QStringLiteral("O") + key.toStr(QString())));
-
-    QCOMPARE(tree.highestId(), highestId);
-    QCOMPARE(tree.highestUId(), highestUId);
-}
-
-void tst_OdictTree::copyAnswersWithItsOwnNodes()
-{
-    CMemoryLogfile log;
-    auto *source = new COdictObjectTree(E_OT_EDITOR, &log);
-    fillSample(*source);
-    QVERIFY(log.entries().isEmpty()); // a shared name is no duplicate
-    source->setFileName(QStringLiteral("demo.xml"));
-    source->setMetaData(meta);
-    source->addWarning(QStringLiteral("careful"));
-    source->dataStructures().append({QStringLiteral("S"), QStringLiteral("Standard"), QString(), 4, {}});
-
-    const COdictObjectTree copy(*source);
-    checkIndexInvariants(copy);
-
-    const QList<const COdictNode *> sourceNodes = preOrder(source->rootNode());
-    const QList<const COdictNode *> copyNodes = preOrder(copy.rootNode());
-    QCOMPARE(copyNodes.size(), sourceNodes.size());
-    QSet<const void *> sourceParts;
-    for (const COdictNode *node : sourceNodes)
-        sourceParts << node << node->dataPtr() << node->dataRef().objectPtr();
-    for (int i = 0; i < copyNodes.size(); ++i) {
-        const COdictItem &item = copyNodes.at(i)->dataRef();
-        QVERIFY(!sourceParts.contains(copyNodes.at(i)) && !sourceParts.contains(&item));
-        QVERIFY(!item.hasObject() || !sourceParts.contains(item.objectPtr()));
-        QCOMPARE(item.refId(), sourceNodes.at(i)->dataRef().refId());
+        // The whole dictionary: objects by key, then sub-objects.
+        QCOMPARE(tree.allObjectUIds(), (QList<COdictObjectId>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u,
+                                                              COdictObjectId(0x2001u, 1u), COdictObjectId(0x2001u, 2u)}));
+        QCOMPARE(tree.allObjectUIds(dictionary), tree.allObjectUIds());
+        QCOMPARE(tree.allObjectIds(), (QList<uint>{0x1000u, 0x1002u, 0x2001u, 0x2003u, 0x2005u, 0x2001u, 0x2001u}));
+        // Of a group: child order, the nested group spliced in at its place, no sub-objects.
+        QCOMPARE(tree.allObjectUIds(motor), (QList<COdictObjectId>{0x2001u, 0x2005u, 0x2003u}));
+        QCOMPARE(tree.allObjectUIds(motor->child(1)), QList<COdictObjectId>{0x2005u});
+        // An empty group, an object, a sub-object and the root.
+        for (const COdictNode *node : QList<const COdictNode *>{dictionary->child(2), speed, speed->child(0), tree.rootNode()})
+            QVERIFY(tree.allObjectUIds(node).isEmpty());
+        QVERIFY(tree.allObjectIds(nullptr).isEmpty());
     }
-    QCOMPARE(copy.allObjectUIds(), source->allObjectUIds());
-    QCOMPARE(copy.metaData(), source->metaData());
-    QCOMPARE(copy.history(), source->history());
-    QCOMPARE(copy.dataStructures(), source->dataStructures());
-    QCOMPARE(copy.warningMessages(), QStringList{QStringLiteral("careful")});
-    QCOMPARE(copy.fileName(), QStringLiteral("demo.xml"));
-    QCOMPARE(copy.logfile(), static_cast<ICLogfile *>(&log));
 
-    // Nothing of the copy depends on the source.
-    delete source;
-    checkIndexInvariants(copy);
-    QCOMPARE(copy.node(0x2001u, 2u)->parent(), copy.node(0x2001u, none));
-    QCOMPARE(copy.node(COdictObjectName(QStringLiteral("Motor"))), copy.dictionaryNode()->child(1));
-    QCOMPARE(copy.objectPtr(COdictObjectName(QStringLiteral("Torque")))->id(), 0x1002u);
-}
+    void duplicateIdIsRejected_data()
+    {
+        QTest::addColumn<COdictObjectId>("uid");
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("second");
+        QTest::addColumn<QString>("message"); // after "Double Object-ID detected : "
 
-void tst_OdictTree::clearEmptiesIndexes()
-{
-    COdictObjectTree tree(E_OT_EDITOR, nullptr);
-    fillSample(tree);
-    tree.setMetaData(meta);
-    tree.addWarning(QStringLiteral("careful"));
-    tree.dataStructures().append(COdictDataStructure::SDataStructure_t());
+        QTest::newRow("sub-object") << COdictObjectId(0x2001u, 3u) << "First" << "Second" << "ID 0x2001 Sub-ID 0x3; First, Second";
+        QTest::newRow("object") << COdictObjectId(0xABCDu) << "Alpha" << "Beta" << "ID 0xabcd Sub-ID 0xffffffff; Alpha, Beta";
+        QTest::newRow("names with percent signs") << COdictObjectId(0x10u, 0x1Fu) << "A%1" << "B%2" << "ID 0x10 Sub-ID 0x1f; A%1, B%2";
+    }
 
-    tree.clear();
-    checkIndexInvariants(tree); // empty indexes for an empty tree
-    QVERIFY(!tree.dictionaryNode());
-    QVERIFY(!tree.node(COdictObjectName(QStringLiteral("Motor"))));
-    QCOMPARE(tree.highestId(), 0u);
-    QVERIFY(!tree.highestUId().isValid());
-    QVERIFY(tree.allObjectUIds().isEmpty());
-    QCOMPARE(tree.metaData(), CXMLMetaData());
-    QCOMPARE(tree.dataStructures().size(), 0);
-    QVERIFY(tree.warningMessages().isEmpty());
-    QCOMPARE(tree.history().size(), 1); // the history stays
+    void duplicateIdIsRejected()
+    {
+        QFETCH(COdictObjectId, uid);
+        QFETCH(QString, first);
+        QFETCH(QString, second);
+        QFETCH(QString, message);
 
-    // The cleared tree is usable again.
-    fillSample(tree);
-    checkIndexInvariants(tree);
-}
+        CMemoryLogfile log;
+        COdictObjectTree tree(E_OT_EDITOR, &log);
+        COdictNode *firstNode = addObject(tree, addDictionary(tree), uid, first);
+        QVERIFY(firstNode);
 
-void tst_OdictTree::replaceObject_data()
-{
-    QTest::addColumn<bool>("asEditor");
-    QTest::addColumn<uint>("newId");
-    QTest::addColumn<QString>("newName");
-    QTest::addColumn<bool>("accepted");
+        bool ok = true;
+        QScopedPointer<COdictNode> rejected(objectNode(tree, uid, second, &ok));
+        QVERIFY(!ok);
+        QVERIFY(rejected && !rejected->parent());
 
-    QTest::newRow("new id and name") << true << 0x3000u << "Renamed" << true;
-    QTest::newRow("same id, new name") << true << 0x2003u << "Renamed" << true;
-    QTest::newRow("same id and name") << true << 0x2003u << "Current" << true;
-    QTest::newRow("id of another node") << true << 0x2005u << "Renamed" << false;
-    QTest::newRow("invalid object") << true << 0x3000u << "UNKNOWN" << false;
-    QTest::newRow("refused kind") << false << 0x3000u << "Renamed" << false;
-    QTest::newRow("refused kind, same id") << false << 0x2003u << "Renamed" << false;
-}
+        QCOMPARE(log.entries().size(), 1);
+        QCOMPARE(log.texts(NkrLogfiles::E_SEV_CRITICAL), QStringList{QStringLiteral("Double Object-ID detected : ") + message});
+        QCOMPARE(log.entries().at(0).flags, 0u);
 
-void tst_OdictTree::replaceObject()
-{
-    QFETCH(bool, asEditor);
-    QFETCH(uint, newId);
-    QFETCH(QString, newName);
-    QFETCH(bool, accepted);
+        QCOMPARE(tree.node(uid), firstNode);
+        checkIndexInvariants(tree); // no entry for the rejected node either
+    }
 
-    COdictObjectTree tree(E_OT_EDITOR, nullptr);
-    fillSample(tree);
-    COdictNode *current = tree.node(0x2003u, none);
-    const COdictObjectId oldId(0x2003u);
+    void groupFallbackByName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<uint>("subId");
+        QTest::addColumn<QString>("expected"); // ui name of the node found; empty for none
 
-    COdictEditorObject editor;
-    editor.setId(newId);
-    editor.setName(newName);
-    const bool result = asEditor ? tree.replaceObject(editor, oldId) : tree.replaceObject(COdictValueObject(editor), oldId);
-    QCOMPARE(result, accepted);
-    checkIndexInvariants(tree);
-    if (accepted) {
-        QCOMPARE(tree.node(newId, none), current);
-        QCOMPARE(tree.node(COdictObjectName(newName)), current);
-        QCOMPARE(current->dataRef().name(), newName);
-        if (newId != 0x2003u)
-            QVERIFY(!tree.node(oldId));
-    } else {
-        QCOMPARE(tree.node(oldId), current);
-        QCOMPARE(current->dataRef().name(), QStringLiteral("Current"));
+        QTest::newRow("first non-empty group") << "GROUP" << none << "nested";
+        QTest::newRow("fallback ignores the sub-id") << "GROUP" << 5u << "nested";
+        QTest::newRow("group of its own name") << "Motor" << none << "Antrieb";
+        QTest::newRow("empty group never matches") << "Empty" << none << "";
+        QTest::newRow("index wins over a group") << "Speed" << none << "Speed";
+        QTest::newRow("object with children is skipped") << "Speed" << 7u << "shadow";
+        QTest::newRow("unknown name") << "Nothing" << none << "";
+    }
+
+    void groupFallbackByName()
+    {
+        QFETCH(QString, name);
+        QFETCH(uint, subId);
+        QFETCH(QString, expected);
+
+        // The sample plus Motor { ..., GROUP "first" {}, GROUP "nested" { A } }, GROUP "last" { B } and a
+        // group "shadow" named Speed { C }: depth first, "nested" comes before "last".
+        COdictObjectTree tree(E_OT_VALUE, nullptr);
+        fillSample(tree);
+        COdictNode *dictionary = tree.dictionaryNode();
+        COdictNode *motor = dictionary->child(1);
+        addGroup(tree, motor, QStringLiteral("GROUP"), QStringLiteral("first"));
+        addObject(tree, addGroup(tree, motor, QStringLiteral("GROUP"), QStringLiteral("nested")), 1u, QStringLiteral("A"));
+        addObject(tree, addGroup(tree, dictionary, QStringLiteral("GROUP"), QStringLiteral("last")), 2u, QStringLiteral("B"));
+        addObject(tree, addGroup(tree, dictionary, QStringLiteral("Speed"), QStringLiteral("shadow")), 3u, "C");
+
+        const COdictNode *found = tree.node(COdictObjectName(name, subId));
+        QCOMPARE(found ? found->dataRef().uiName() : QString(), expected);
+        QCOMPARE(tree.node(name, subId), found);
+        // A group's item has no object.
+        if (found && found->dataRef().type() == E_IT_GROUP)
+            QVERIFY(!tree.objectPtr(COdictObjectName(name, subId)));
+    }
+
+    void highestIds_data()
+    {
+        QTest::addColumn<QList<COdictObjectId>>("keys");
+        QTest::addColumn<uint>("highestId");
+        QTest::addColumn<COdictObjectId>("highestUId");
+
+        using Id = COdictObjectId;
+        QTest::newRow("empty") << QList<Id>{} << 0u << Id(none, none);
+        QTest::newRow("gaps") << QList<Id>{1u, 0x2000u, 5u} << 0x2000u << Id(0x2000u);
+        QTest::newRow("sub-objects of the highest id") << QList<Id>{0x10u, 0x20u, Id(0x20u, 0u), Id(0x20u, 3u), Id(0x20u, 1u), Id(0x10u, 9u)}
+                                                       << 0x20u << Id(0x20u, 3u);
+        QTest::newRow("sub-id 0 only") << QList<Id>{0x40u, Id(0x40u, 0u)} << 0x40u << Id(0x40u, 0u);
+        // Plain keys sort before every sub-object key; the highest id may still be a plain one.
+        QTest::newRow("plain id above the sub-objects") << QList<Id>{0x30u, 0x20u, Id(0x20u, 3u)} << 0x30u << Id(0x30u);
+        // Sub-objects of id 0 pack among the plain ids.
+        QTest::newRow("sub-objects of id 0") << QList<Id>{0u, 3u, Id(0u, 7u)} << 3u << Id(3u);
+        QTest::newRow("only id 0") << QList<Id>{0u, Id(0u, 9u), Id(0u, 7u)} << 0u << Id(0u, 9u);
+    }
+
+    void highestIds()
+    {
+        QFETCH(QList<COdictObjectId>, keys);
+        QFETCH(uint, highestId);
+        QFETCH(COdictObjectId, highestUId);
+
+        COdictObjectTree tree(E_OT_STD, nullptr);
+        COdictNode *dictionary = addDictionary(tree);
+        for (const COdictObjectId &key : keys)
+            QVERIFY(addObject(tree, dictionary, key, QStringLiteral("O") + key.toStr(QString())));
+
+        QCOMPARE(tree.highestId(), highestId);
+        QCOMPARE(tree.highestUId(), highestUId);
+    }
+
+    void copyAnswersWithItsOwnNodesAndClears()
+    {
+        CMemoryLogfile log;
+        auto *source = new COdictObjectTree(E_OT_EDITOR, &log);
+        fillSample(*source);
+        QVERIFY(log.entries().isEmpty()); // a shared name is no duplicate
+        source->setFileName(QStringLiteral("demo.xml"));
+        source->setMetaData(CXMLMetaData(QDate(2024, 5, 1), QTime(12, 0), QStringLiteral("me"), QString(), NTypes::uVersion_t(0x01000000)));
+        source->addWarning(QStringLiteral("careful"));
+        source->dataStructures().append({QStringLiteral("S"), QStringLiteral("Standard"), QString(), 4, {}});
+
+        COdictObjectTree copy(*source);
+        checkIndexInvariants(copy);
+        QList<const COdictNode *> sourceNodes, copyNodes;
+        preOrder(source->rootNode(), sourceNodes);
+        preOrder(copy.rootNode(), copyNodes);
+        QCOMPARE(copyNodes.size(), sourceNodes.size());
+        QSet<const void *> sourceParts;
+        for (const COdictNode *node : sourceNodes)
+            sourceParts << node << node->dataPtr() << node->dataRef().objectPtr();
+        for (int i = 0; i < copyNodes.size(); ++i) {
+            const COdictItem &item = copyNodes.at(i)->dataRef();
+            QVERIFY(!sourceParts.contains(copyNodes.at(i)) && !sourceParts.contains(&item));
+            QVERIFY(!item.hasObject() || !sourceParts.contains(item.objectPtr()));
+            QCOMPARE(item.refId(), sourceNodes.at(i)->dataRef().refId());
+        }
+        QCOMPARE(copy.allObjectUIds(), source->allObjectUIds());
+        QCOMPARE(copy.metaData(), source->metaData());
+        QCOMPARE(copy.history(), source->history());
+        QCOMPARE(copy.dataStructures(), source->dataStructures());
+        QCOMPARE(copy.warningMessages(), QStringList{QStringLiteral("careful")});
+        QCOMPARE(copy.fileName(), QStringLiteral("demo.xml"));
+        QCOMPARE(copy.logfile(), static_cast<ICLogfile *>(&log));
+
+        // Nothing of the copy depends on the source.
+        delete source;
+        checkIndexInvariants(copy);
+        QCOMPARE(copy.node(0x2001u, 2u)->parent(), copy.node(0x2001u, none));
+        QCOMPARE(copy.node(COdictObjectName(QStringLiteral("Motor"))), copy.dictionaryNode()->child(1));
+        QCOMPARE(copy.objectPtr(COdictObjectName(QStringLiteral("Torque")))->id(), 0x1002u);
+
+        // Clearing empties the indexes and everything but the history; the tree is usable again.
+        copy.clear();
+        checkIndexInvariants(copy);
+        QVERIFY(!copy.dictionaryNode() && !copy.node(COdictObjectName(QStringLiteral("Motor"))));
+        QCOMPARE(copy.metaData(), CXMLMetaData());
+        QVERIFY(copy.dataStructures().size() == 0 && copy.warningMessages().isEmpty());
+        QCOMPARE(copy.history().size(), 1);
+        fillSample(copy);
+        checkIndexInvariants(copy);
+    }
+
+    void replaceObject_data()
+    {
+        QTest::addColumn<bool>("asEditor");
+        QTest::addColumn<uint>("newId");
+        QTest::addColumn<QString>("newName");
+        QTest::addColumn<bool>("accepted");
+
+        QTest::newRow("new id and name") << true << 0x3000u << "Renamed" << true;
+        QTest::newRow("same id, new name") << true << 0x2003u << "Renamed" << true;
+        QTest::newRow("same id and name") << true << 0x2003u << "Current" << true;
+        QTest::newRow("id of another node") << true << 0x2005u << "Renamed" << false;
+        QTest::newRow("invalid object") << true << 0x3000u << "UNKNOWN" << false;
+        QTest::newRow("refused kind") << false << 0x3000u << "Renamed" << false;
+        QTest::newRow("refused kind, same id") << false << 0x2003u << "Renamed" << false;
+    }
+
+    void replaceObject()
+    {
+        QFETCH(bool, asEditor);
+        QFETCH(uint, newId);
+        QFETCH(QString, newName);
+        QFETCH(bool, accepted);
+
+        COdictObjectTree tree(E_OT_EDITOR, nullptr);
+        fillSample(tree);
+        COdictNode *current = tree.node(0x2003u, none);
+        const COdictObjectId oldId(0x2003u);
+
+        COdictEditorObject editor;
+        editor.setId(newId);
+        editor.setName(newName);
+        const bool result = asEditor ? tree.replaceObject(editor, oldId) : tree.replaceObject(COdictValueObject(editor), oldId);
+        QCOMPARE(result, accepted);
+        checkIndexInvariants(tree);
+        // The node keeps its place and answers to the id and name it has afterwards, and only to them.
+        const uint id = accepted ? newId : oldId.id();
+        const QString name = accepted ? newName : QStringLiteral("Current");
+        QCOMPARE(tree.node(id, none), current);
+        QCOMPARE(tree.node(COdictObjectName(name)), current);
+        QCOMPARE(current->dataRef().name(), name);
         QCOMPARE(current->dataRef().objectType(), E_OT_EDITOR);
-        QCOMPARE(tree.node(COdictObjectName(QStringLiteral("Current"))), current);
+        if (id != oldId.id())
+            QVERIFY(!tree.node(oldId));
     }
-}
+};
 
 QTEST_GUILESS_MAIN(tst_OdictTree)
 #include "tst_odicttree.moc"

@@ -4,31 +4,24 @@
 #include <QDebug>
 #include <QtTest>
 
-#include <utility>
-
-char *toString(const CVariant &value)
-{
-    QString text;
-    QDebug(&text) << value;
-    return qstrdup(text.toUtf8().constData());
-}
+Q_DECLARE_METATYPE(NTypes::eTypes_t)
 
 namespace {
 
-COdictValueObject valueObject(const QString &name, NTypes::eTypes_t type, unsigned int size)
+COdictObject plainObject(const char *name, NTypes::eTypes_t type, unsigned int size)
 {
     COdictObject o;
     o.setId(0x300u);
-    o.setName(name);
+    o.setName(QString::fromLatin1(name));
     o.setDataType(type);
     o.setDataSize(size);
-    return COdictValueObject(o);
+    return o;
 }
 
 /// Two X/Y pairs: (1, -2) and (3, 0x10000).
 COdictValueObject xyValue()
 {
-    COdictValueObject v = valueObject(QStringLiteral("CURVE"), NTypes::E_XY, 16);
+    COdictValueObject v = plainObject("CURVE", NTypes::E_XY, 16);
     v.setObjectUsage(NkrOdict::E_OU_PARAMETER, true);
     v.setCurrentValue(QVariant(QByteArray::fromHex("01000000" "feffffff" "03000000" "00000100")));
     return v;
@@ -36,33 +29,22 @@ COdictValueObject xyValue()
 
 COdictValueObject bitValue()
 {
-    COdictValueObject v = valueObject(QStringLiteral("DRIVE_STATUSWORD"), NTypes::E_U16, 2);
-    COdictObjectBitSet bits;
-    bits.insert(0, QStringLiteral("Ready"));
-    bits.insert(5, QStringLiteral("Enabled"));
-    bits.insert(9, QStringLiteral("Remote"));
-    v.setBitSetData(bits);
+    COdictValueObject v = plainObject("DRIVE_STATUSWORD", NTypes::E_U16, 2);
+    v.bitSetDataPtr()->insert(0, QStringLiteral("Ready"));
+    v.bitSetDataPtr()->insert(5, QStringLiteral("Enabled"));
+    v.bitSetDataPtr()->insert(9, QStringLiteral("Remote"));
     v.setCurrentValue(QVariant(qulonglong(0x0021)));
     return v;
 }
 
 COdictValueObject u16Array()
 {
-    COdictValueObject v = valueObject(QStringLiteral("TABLE"), NTypes::E_U16, 6);
+    COdictValueObject v = plainObject("TABLE", NTypes::E_U16, 6);
     v.setArrayLength(3);
     for (unsigned int subId = 0; subId < 3; ++subId)
         v.addSubId(subId);
     v.setCurrentValue(QVariant(QByteArray::fromHex("0100" "0200" "ff7f")));
     return v;
-}
-
-template <typename T>
-QByteArray streamed(const T &object)
-{
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out << object;
-    return bytes;
 }
 
 } // namespace
@@ -74,9 +56,7 @@ class tst_OdictValueObject : public QObject
 private slots:
     void baseAndOwnParts()
     {
-        COdictObject plain;
-        plain.setId(0x10u);
-        plain.setName(QStringLiteral("Speed"));
+        const COdictObject plain = plainObject("Speed", NTypes::E_U32, 4);
         const COdictValueObject v(plain);
         QCOMPARE(v.objectType(), NkrOdict::E_OT_VALUE);
         QCOMPARE(static_cast<const COdictObject &>(v), plain);
@@ -103,109 +83,80 @@ private slots:
     {
         COdictValueObject v = bitValue();
         v.setSetpointValue(QVariant(12));
-        const auto text = [&v]() {
-            QString written;
-            QDebug(&written) << v;
-            return written.trimmed();
-        };
-        const QString head = QStringLiteral("COdictValueObject( id=768, subid=4294967295, DRIVE_STATUSWORD, NTypes::E_U16, current=33, setpoint=12");
-        QCOMPARE(text(), head + QStringLiteral(" )"));
+        QString plain, withError;
+        QDebug(&plain) << v;
         v.setError(5);
-        QCOMPARE(text(), head + QStringLiteral(" error=5)"));
+        QDebug(&withError) << v;
+        const QString head = QStringLiteral("COdictValueObject( id=768, subid=4294967295, DRIVE_STATUSWORD, NTypes::E_U16, current=33, setpoint=12");
+        QCOMPARE(plain.trimmed(), head + QStringLiteral(" )"));
+        QCOMPARE(withError.trimmed(), head + QStringLiteral(" error=5)"));
     }
 
-    void elementExtraction_data()
+    void elements_data()
     {
         QTest::addColumn<COdictValueObject>("object");
         QTest::addColumn<uint>("subId");
-        QTest::addColumn<uint>("type");
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<QVariant>("element");
+        QTest::addColumn<NTypes::eTypes_t>("type");
+        QTest::addColumn<QVariant>("element"); // read; invalid when there is none
+        QTest::addColumn<CVariant>("write");
+        QTest::addColumn<QVariant>("after"); // the current value after the write; unchanged when refused
 
-        QTest::newRow("X1") << xyValue() << 0u << 7u << true << QVariant(qlonglong(1));
-        QTest::newRow("Y1") << xyValue() << 1u << 7u << true << QVariant(qlonglong(-2));
-        QTest::newRow("Y2") << xyValue() << 3u << 7u << true << QVariant(qlonglong(0x10000));
-        QTest::newRow("second pair as one XY") << xyValue() << 1u << 24u << true << QVariant(QByteArray::fromHex("0300000000000100"));
-        QTest::newRow("xy beyond") << xyValue() << 4u << 7u << false << QVariant();
-        QTest::newRow("bit 0") << bitValue() << 0u << 1u << true << QVariant(true);
-        QTest::newRow("bit 9") << bitValue() << 9u << 1u << true << QVariant(false);
-        QTest::newRow("bit without entry") << bitValue() << 1u << 1u << false << QVariant();
-        QTest::newRow("u16 element 2") << u16Array() << 2u << 4u << true << QVariant(qulonglong(0x7FFF));
-        QTest::newRow("u16 element 0 as I16") << u16Array() << 0u << 5u << true << QVariant(qlonglong(1));
-        QTest::newRow("unknown sub-id") << u16Array() << 3u << 4u << false << QVariant();
+        const QVariant xy = xyValue().currentValue(), u16 = u16Array().currentValue();
+        const auto c = [](const char *text, NTypes::eTypes_t type) { return CVariant(QString::fromLatin1(text), type); };
+        const auto hex = [](const char *bytes) { return QVariant(QByteArray::fromHex(bytes)); };
+        const auto i64 = [](qlonglong value) { return QVariant(value); };
+        const auto u64 = [](qulonglong value) { return QVariant(value); };
+        using namespace NTypes;
+        QTest::newRow("X1, null element") << xyValue() << 0u << E_I32 << i64(1) << CVariant(E_I32) << xy;
+        QTest::newRow("Y1") << xyValue() << 1u << E_I32 << i64(-2) << c("-1", E_I32) << hex("01000000" "ffffffff" "03000000" "00000100");
+        QTest::newRow("X2 from a U8") << xyValue() << 2u << E_I32 << i64(3) << c("9", E_U8) << hex("01000000" "feffffff" "09000000" "00000100");
+        QTest::newRow("Y2") << xyValue() << 3u << E_I32 << i64(0x10000) << c("-3", E_I32) << hex("01000000" "feffffff" "03000000" "fdffffff");
+        QTest::newRow("second pair as one XY") << xyValue() << 1u << E_XY << hex("0300000000000100") << CVariant(E_XY) << xy;
+        QTest::newRow("xy beyond") << xyValue() << 4u << E_I32 << QVariant() << c("1", E_I32) << xy;
+        QTest::newRow("bit 0") << bitValue() << 0u << E_BOOL << QVariant(true) << c("0", E_BOOL) << u64(0x0020);
+        QTest::newRow("bit 9") << bitValue() << 9u << E_BOOL << QVariant(false) << c("1", E_BOOL) << u64(0x0221);
+        QTest::newRow("bit without entry") << bitValue() << 1u << E_BOOL << QVariant() << c("1", E_BOOL) << bitValue().currentValue();
+        QTest::newRow("u16 element 1") << u16Array() << 1u << E_U16 << u64(2) << c("0xABCD", E_U16) << hex("0100" "cdab" "ff7f");
+        QTest::newRow("u16 element 2, out of range") << u16Array() << 2u << E_U16 << u64(0x7FFF) << c("70000", E_U32) << u16;
+        QTest::newRow("u16 element 0 as I16") << u16Array() << 0u << E_I16 << i64(1) << CVariant(E_I16) << u16;
+        QTest::newRow("unknown sub-id") << u16Array() << 3u << E_U16 << QVariant() << c("1", E_U16) << u16;
         COdictValueObject shortValue = u16Array();
-        shortValue.setCurrentValue(QVariant(QByteArray::fromHex("0100")));
-        QTest::newRow("element outside the value") << shortValue << 1u << 4u << false << QVariant();
-        COdictValueObject empty = u16Array();
-        empty.setCurrentValue(QVariant());
-        QTest::newRow("null value") << empty << 0u << 4u << false << QVariant();
-    }
-
-    void elementExtraction()
-    {
-        QFETCH(COdictValueObject, object);
-        QFETCH(uint, subId);
-        QFETCH(uint, type);
-        QFETCH(bool, ok);
-        QFETCH(QVariant, element);
-
-        bool found = !ok;
-        const QVariant result = object.currentValueForSubObject(subId, NTypes::eTypes_t(type), &found);
-        QCOMPARE(found, ok);
-        QCOMPARE(result.isNull(), !ok);
-        if (ok) {
-            QCOMPARE(result.userType(), element.userType());
-            QCOMPARE(result, element);
-        }
-        // The setpoint side reads its own value.
-        object.setSetpointValue(object.currentValue());
-        object.setCurrentValue(QVariant());
-        QCOMPARE(object.setpointValueForSubObject(subId, NTypes::eTypes_t(type), &found), element);
-        QCOMPARE(found, ok);
-    }
-
-    void elementWriteBack_data()
-    {
-        QTest::addColumn<COdictValueObject>("object");
-        QTest::addColumn<uint>("subId");
-        QTest::addColumn<uint>("type");
-        QTest::addColumn<CVariant>("element");
-        QTest::addColumn<bool>("written");
-        QTest::addColumn<QVariant>("value");
-
-        QTest::newRow("Y1") << xyValue() << 1u << 7u << CVariant(QStringLiteral("-1"), NTypes::E_I32) << true
-                            << QVariant(QByteArray::fromHex("01000000" "ffffffff" "03000000" "00000100"));
-        QTest::newRow("X2 from a U8") << xyValue() << 2u << 7u << CVariant(QStringLiteral("9"), NTypes::E_U8) << true
-                                      << QVariant(QByteArray::fromHex("01000000" "feffffff" "09000000" "00000100"));
-        QTest::newRow("xy beyond") << xyValue() << 4u << 7u << CVariant(QStringLiteral("1"), NTypes::E_I32) << false << xyValue().currentValue();
-        QTest::newRow("null element") << xyValue() << 0u << 7u << CVariant(NTypes::E_I32) << false << xyValue().currentValue();
-        QTest::newRow("set bit 9") << bitValue() << 9u << 1u << CVariant(QStringLiteral("1"), NTypes::E_BOOL) << true << QVariant(qulonglong(0x0221));
-        QTest::newRow("clear bit 0") << bitValue() << 0u << 1u << CVariant(QStringLiteral("0"), NTypes::E_BOOL) << true << QVariant(qulonglong(0x0020));
-        QTest::newRow("bit without entry") << bitValue() << 3u << 1u << CVariant(QStringLiteral("1"), NTypes::E_BOOL) << false << QVariant(qulonglong(0x0021));
-        QTest::newRow("u16 element 1") << u16Array() << 1u << 4u << CVariant(QStringLiteral("0xABCD"), NTypes::E_U16) << true
-                                       << QVariant(QByteArray::fromHex("0100" "cdab" "ff7f"));
-        QTest::newRow("u16 out of range") << u16Array() << 1u << 4u << CVariant(QStringLiteral("70000"), NTypes::E_U32) << false << u16Array().currentValue();
+        shortValue.setCurrentValue(hex("0100"));
+        QTest::newRow("element outside the value") << shortValue << 1u << E_U16 << QVariant() << CVariant(E_U16) << hex("0100");
         COdictValueObject empty = xyValue();
         empty.setCurrentValue(QVariant());
-        QTest::newRow("into a null value") << empty << 3u << 7u << CVariant(QStringLiteral("2"), NTypes::E_I32) << true
-                                           << QVariant(QByteArray::fromHex("00000000" "00000000" "00000000" "02000000"));
+        QTest::newRow("null value") << empty << 3u << E_I32 << QVariant() << c("2", E_I32) << hex("00000000" "00000000" "00000000" "02000000");
     }
 
-    void elementWriteBack()
+    void elements()
     {
         QFETCH(COdictValueObject, object);
         QFETCH(uint, subId);
-        QFETCH(uint, type);
-        QFETCH(CVariant, element);
-        QFETCH(bool, written);
-        QFETCH(QVariant, value);
+        QFETCH(NTypes::eTypes_t, type);
+        QFETCH(QVariant, element);
+        QFETCH(CVariant, write);
+        QFETCH(QVariant, after);
 
-        const QVariant setpoint(QStringLiteral("untouched"));
-        object.setSetpointValue(setpoint);
-        QCOMPARE(object.setCurrentValueFromSubObject(subId, NTypes::eTypes_t(type), element), written);
-        QCOMPARE(object.currentValue().userType(), value.userType());
-        QCOMPARE(object.currentValue(), value);
-        QCOMPARE(object.setpointValue(), setpoint);
+        bool found = !element.isValid();
+        const QVariant read = object.currentValueForSubObject(subId, type, &found);
+        QCOMPARE(found, element.isValid());
+        QCOMPARE(read.userType(), element.userType());
+        QCOMPARE(read, element);
+        // The setpoint side reads its own value.
+        COdictValueObject setpoint = object;
+        setpoint.setSetpointValue(object.currentValue());
+        setpoint.setCurrentValue(QVariant());
+        QCOMPARE(setpoint.setpointValueForSubObject(subId, type, &found), element);
+        QCOMPARE(found, element.isValid());
+
+        // A written element changes the current value only.
+        const bool written = after != object.currentValue();
+        const QVariant untouched(QStringLiteral("untouched"));
+        object.setSetpointValue(untouched);
+        QCOMPARE(object.setCurrentValueFromSubObject(subId, type, write), written);
+        QCOMPARE(object.currentValue().userType(), after.userType());
+        QCOMPARE(object.currentValue(), after);
+        QCOMPARE(object.setpointValue(), untouched);
     }
 
     void virtualSubObjects_data()
@@ -217,9 +168,8 @@ private slots:
         QTest::addColumn<QVariant>("written");
         QTest::addColumn<QVariant>("after");
 
-        QTest::newRow("bit") << bitValue() << 5u << QStringLiteral("Enabled") << QVariant(true) << QVariant(false)
-                             << QVariant(qulonglong(0x0001));
-        QTest::newRow("Y1") << xyValue() << 1u << QStringLiteral("Y1-Value") << QVariant(qlonglong(-2)) << QVariant(5)
+        QTest::newRow("bit") << bitValue() << 5u << "Enabled" << QVariant(true) << QVariant(false) << QVariant(qulonglong(0x0001));
+        QTest::newRow("Y1") << xyValue() << 1u << "Y1-Value" << QVariant(qlonglong(-2)) << QVariant(5)
                             << QVariant(QByteArray::fromHex("01000000" "05000000" "03000000" "00000100"));
     }
 
@@ -238,13 +188,11 @@ private slots:
         QCOMPARE(owner.currentValueForVirtualSubObject(subId, &ok), current);
         QVERIFY(ok);
         COdictValueObject sub = COdictValueObject::createVirtualSubObject(owner, subId, &ok);
-        QVERIFY(ok);
+        QVERIFY(ok && sub.isVirtual());
         QCOMPARE(sub.name(), name);
-        QVERIFY(sub.isVirtual());
         QCOMPARE(sub.currentValue(), current);
-        QVERIFY(sub.setpointValue().isNull());
-        QCOMPARE(sub.error(), 3);
-        QCOMPARE(sub.readWriteByteSize(), -1LL);
+        // The error is carried over; the setpoint and the byte window are not.
+        QVERIFY(sub.error() == 3 && sub.setpointValue().isNull() && sub.readWriteByteSize() == -1);
 
         // A null setpoint carries nothing; the current value goes back into its element.
         QVERIFY(owner.setSetpointValueFromVirtualSubObject(sub));
@@ -259,10 +207,8 @@ private slots:
         // A sub-object of another object is refused; an unknown sub-id is not made.
         sub.setId(0x301u);
         QVERIFY(!owner.setCurrentValueFromVirtualSubObject(sub));
-        QVERIFY(COdictValueObject::createVirtualSubObject(owner, 100, &ok).isNull());
-        QVERIFY(!ok);
-        owner.currentValueForVirtualSubObject(100, &ok);
-        QVERIFY(!ok);
+        QVERIFY(COdictValueObject::createVirtualSubObject(owner, 100, &ok).isNull() && !ok);
+        QVERIFY(owner.currentValueForVirtualSubObject(100, &ok).isNull() && !ok);
     }
 
     void valueToStr_data()
@@ -271,25 +217,22 @@ private slots:
         QTest::addColumn<CVariant>("value");
         QTest::addColumn<QString>("text");
 
-        const CVariant u16(QStringLiteral("0x21"), NTypes::E_U16);
+        using namespace NTypes;
+        const auto value = [](const char *name, eTypes_t type, unsigned int size) { return COdictValueObject(plainObject(name, type, size)); };
+        const CVariant u16(QStringLiteral("0x21"), E_U16);
         QTest::newRow("status with bits") << bitValue() << u16 << QStringLiteral("Status: Ready, Enabled");
         COdictValueObject hex = bitValue();
         hex.setValueInHexEnabled(true);
         QTest::newRow("hex display wins") << hex << u16 << QStringLiteral("0x0021");
-        QTest::newRow("control word") << valueObject(QStringLiteral("CONTROL_WORD"), NTypes::E_U32, 4)
-                                      << CVariant(QStringLiteral("0x1F"), NTypes::E_U32) << QStringLiteral("Command: 0x0000001F");
-        QTest::newRow("error code") << valueObject(QStringLiteral("LastErrorCode"), NTypes::E_U16, 2) << u16 << QStringLiteral("Error: 0x0021");
-        QTest::newRow("status name, but I32") << valueObject(QStringLiteral("STATUSWORD"), NTypes::E_I32, 4)
-                                              << CVariant(QStringLiteral("33"), NTypes::E_I32) << QStringLiteral("33");
-
-        COdictValueObject mode = valueObject(QStringLiteral("MODE"), NTypes::E_I16, 2);
-        COdictObjectEnum modes;
-        modes.insert(3, QStringLiteral("Fault"));
-        mode.setEnumData(modes);
-        QTest::newRow("enum") << mode << CVariant(QStringLiteral("3"), NTypes::E_I16) << QStringLiteral("3 Fault");
-        COdictValueObject negative = valueObject(QStringLiteral("OFFSET"), NTypes::E_I16, 2);
+        QTest::newRow("control word") << value("CONTROL_WORD", E_U32, 4) << CVariant(QStringLiteral("0x1F"), E_U32) << "Command: 0x0000001F";
+        QTest::newRow("error code") << value("LastErrorCode", E_U16, 2) << u16 << QStringLiteral("Error: 0x0021");
+        QTest::newRow("status name, but I32") << value("STATUSWORD", E_I32, 4) << CVariant(QStringLiteral("33"), E_I32) << "33";
+        COdictValueObject negative = value("OFFSET", E_I16, 2);
         negative.setValueInHexEnabled(true);
-        QTest::newRow("hex of a negative") << negative << CVariant(QStringLiteral("-2"), NTypes::E_I16) << QStringLiteral("0xFFFE");
+        QTest::newRow("hex of a negative") << negative << CVariant(QStringLiteral("-2"), E_I16) << QStringLiteral("0xFFFE");
+        COdictValueObject mode = value("MODE", E_I16, 2);
+        mode.enumDataPtr()->insert(3, QStringLiteral("Fault"));
+        QTest::newRow("enum") << mode << CVariant(QStringLiteral("3"), E_I16) << QStringLiteral("3 Fault");
     }
 
     void valueToStr()
@@ -330,8 +273,10 @@ private slots:
         v.setReadWriteByteIndex(2);
         v.setSetpointValue(QVariant(QStringLiteral("x")));
         v.setValueInHexEnabled(true);
-        const QByteArray base = streamed(static_cast<const COdictObject &>(v));
-        const QByteArray bytes = streamed(v);
+        QByteArray base, bytes;
+        QDataStream baseOut(&base, QIODevice::WriteOnly), out(&bytes, QIODevice::WriteOnly);
+        baseOut << static_cast<const COdictObject &>(v);
+        out << v;
         // The base part, then error, byte index and byte size, the two values and the hex flag.
         QVERIFY(bytes.startsWith(base));
         QCOMPARE(bytes.mid(base.size(), 20).toHex(), QByteArray("00000005" "0000000000000002" "ffffffffffffffff"));

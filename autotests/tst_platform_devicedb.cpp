@@ -1,9 +1,7 @@
+#include "CDataTypeParser.h"
 #include "CDatabaseDeviceData.h"
-#include "CDeviceData.h"
 
 #include <QDir>
-#include <QFile>
-#include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -23,10 +21,9 @@ const QString kPropertyTable = QStringLiteral(
 /// Runs the statements on the SQLite file at path; false (and a warning) when SQLite refuses one.
 bool runSql(const QString &path, const QStringList &statements)
 {
-    const QString connection = QStringLiteral("tst_build");
     bool ok = true;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("tst_build"));
         db.setDatabaseName(path);
         ok = db.open();
         QSqlQuery query(db);
@@ -34,16 +31,9 @@ bool runSql(const QString &path, const QStringList &statements)
             ok = ok && query.exec(statement);
         if (!ok)
             qWarning() << query.lastError().text() << db.lastError().text();
-        db.close();
     }
-    QSqlDatabase::removeDatabase(connection);
+    QSqlDatabase::removeDatabase(QStringLiteral("tst_build"));
     return ok;
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -52,211 +42,168 @@ class tst_PlatformDeviceDb : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-
-    void lookup_data();
-    void lookup();
-    void openFailure_data();
-    void openFailure();
-    void connections();
-
-private:
     QTemporaryDir m_dir;
     QString m_database;
-};
 
-void tst_PlatformDeviceDb::initTestCase()
-{
-    QVERIFY(m_dir.isValid());
-    QVERIFY(QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")));
-    m_database = m_dir.filePath(QStringLiteral("devices.db"));
-    QVERIFY(runSql(m_database, {kDeviceTable, kPropertyTable,
-                                QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0x01000000, 0x0100FFFF), "
-                                               "(2, 'DriveA', 0x01010000, 0x01FFFFFF), (3, 'DriveB', 0, 0xFFFFFFFF), "
-                                               "(4, 'DriveC', 0x80000000, 0x80000010)"),
-                                QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '100'), (1, 1, 2, %1, '102'), "
-                                               "(1, 2, 0, %2, 'first'), (2, 1, 0, %1, '200'), "
-                                               "(3, 5, 0, %3, '0xFFFFFFFF'), (4, 5, 1, %4, '-7')")
-                                    .arg(NTypes::E_U16).arg(NTypes::E_VSTRING).arg(NTypes::E_U32).arg(NTypes::E_I32)}));
-}
-
-void tst_PlatformDeviceDb::lookup_data()
-{
-    QTest::addColumn<uint>("version");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("state");
-    QTest::addColumn<int>("deviceId");
-    QTest::addColumn<uint>("key");
-    QTest::addColumn<int>("pos");
-    QTest::addColumn<CVariant>("value"); // null when the device has no value there
-
-    auto found = [](const char *tag, uint version, const char *name, int id, uint key, int pos, const CVariant &value) {
-        QTest::newRow(tag) << version << QString::fromLatin1(name) << int(NkrDeviceDatabase::E_DDB_OK) << id << key << pos
-                           << value;
-    };
-    auto missing = [](const char *tag, uint version, const char *name, NkrDeviceDatabase::eDdbState_t state) {
-        QTest::newRow(tag) << version << QString::fromLatin1(name) << int(state) << -1 << 0u << 0 << CVariant();
-    };
-    const CVariant u100(QStringLiteral("100"), NTypes::E_U16);
-
-    found("lower bound", 0x01000000u, "DriveA", 1, 1, 0, u100);
-    found("upper bound", 0x0100FFFFu, "DriveA", 1, 1, 0, u100);
-    found("second range", 0x01010000u, "DriveA", 2, 1, 0, CVariant(QStringLiteral("200"), NTypes::E_U16));
-    found("axis value", 0x01000005u, "DriveA", 1, 1, 2, CVariant(QStringLiteral("102"), NTypes::E_U16));
-    found("axis falls back to device", 0x01000005u, "DriveA", 1, 1, 1, u100);
-    found("text value", 0x01000005u, "DriveA", 1, 2, 3, CVariant(QStringLiteral("first"), NTypes::E_VSTRING));
-    found("unknown key", 0x01000005u, "DriveA", 1, 99, 0, CVariant());
-    found("axis only, asked for device", 0x80000000u, "DriveC", 4, 5, 0, CVariant());
-    found("axis only, asked for axis", 0x80000010u, "DriveC", 4, 5, 1, CVariant(QStringLiteral("-7"), NTypes::E_I32));
-    found("whole unsigned range", 0xFFFFFFFFu, "DriveB", 3, 5, 0, CVariant(QStringLiteral("0xFFFFFFFF"), NTypes::E_U32));
-    missing("above high-bit range", 0x80000011u, "DriveC", NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN);
-    missing("below all ranges", 0x00FFFFFFu, "DriveA", NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN);
-    missing("unknown name", 0x01000000u, "DriveX", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
-    missing("name differs in case", 0x01000000u, "drivea", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
-    missing("empty name", 0x01000000u, "", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
-}
-
-void tst_PlatformDeviceDb::lookup()
-{
-    QFETCH(uint, version);
-    QFETCH(QString, name);
-    QFETCH(int, state);
-    QFETCH(int, deviceId);
-    QFETCH(uint, key);
-    QFETCH(int, pos);
-    QFETCH(CVariant, value);
-
-    CDatabaseDeviceData database;
-    QVERIFY2(database.openDatabase(m_database, QStringLiteral("lookup")), qPrintable(database.lastError()));
-    QVERIFY(database.isOpen());
-
-    NkrDeviceDatabase::eDdbState_t found = NkrDeviceDatabase::E_DDB_NOT_OPEN;
-    const std::unique_ptr<CDeviceData> device(database.data(NTypes::uVersion_t(version), name, found));
-    QCOMPARE(int(found), state);
-    QCOMPARE(device != nullptr, state == NkrDeviceDatabase::E_DDB_OK);
-    if (!device) {
-        QVERIFY(!database.lastError().isEmpty());
-        return;
-    }
-    QVERIFY(device->isValid());
-    QCOMPARE(device->deviceId(), deviceId);
-    QCOMPARE(device->name(), name);
-    QVERIFY(device->versionMin() <= version && version <= device->versionMax());
-
-    const CVariant result = device->value(key, NkrDeviceDatabase::eSubDevicePos_t(pos));
-    QVERIFY2(value.isNull() ? result.isNull() : result == value, qPrintable(result.toStr()));
-}
-
-void tst_PlatformDeviceDb::openFailure_data()
-{
-    QTest::addColumn<QStringList>("sql"); // run on the file when not empty
-    QTest::addColumn<QByteArray>("bytes"); // written otherwise, unless the row is about no file
-
-    QByteArray random(8192, '\0');
-    QRandomGenerator generator(4711);
-    for (char &byte : random)
-        byte = char(generator.bounded(256));
-
-    QTest::newRow("missing file") << QStringList() << QByteArray();
-    QTest::newRow("directory") << QStringList() << QByteArray();
-    QTest::newRow("empty file") << QStringList() << QByteArray("");
-    QTest::newRow("random bytes") << QStringList() << random;
-    QTest::newRow("no tables") << QStringList(QStringLiteral("CREATE TABLE other (x INTEGER)")) << QByteArray();
-    QTest::newRow("device table only")
-        << QStringList({kDeviceTable, QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0, 1)")}) << QByteArray();
-    QTest::newRow("property table of another layout")
-        << QStringList({kDeviceTable, QStringLiteral("CREATE TABLE property (device_id INTEGER, name TEXT)")})
-        << QByteArray();
-}
-
-void tst_PlatformDeviceDb::openFailure()
-{
-    QFETCH(QStringList, sql);
-    QFETCH(QByteArray, bytes);
-
-    const QString row = QString::fromLatin1(QTest::currentDataTag());
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QString path = dir.filePath(QStringLiteral("bad.db"));
-    if (row == QLatin1String("directory")) {
-        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("bad.db")));
-    } else if (!sql.isEmpty()) {
-        QVERIFY(runSql(path, sql));
-    } else if (!bytes.isNull()) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(bytes), qint64(bytes.size()));
-    }
-    const QByteArray before = readFile(path);
-
-    const QString connection = QStringLiteral("failing");
+private slots:
+    void initTestCase()
     {
+        QVERIFY(m_dir.isValid() && QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")));
+        m_database = m_dir.filePath(QStringLiteral("devices.db"));
+        QVERIFY(runSql(m_database, {kDeviceTable, kPropertyTable,
+                                    QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0x01000000, 0x0100FFFF), "
+                                                   "(2, 'DriveA', 0x01010000, 0x01FFFFFF), (3, 'DriveB', 0, 0xFFFFFFFF), "
+                                                   "(4, 'DriveC', 0x80000000, 0x80000010)"),
+                                    QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '100'), (1, 1, 2, %1, '102'), "
+                                                   "(1, 2, 0, %2, 'first'), (2, 1, 0, %1, '200'), "
+                                                   "(3, 5, 0, %3, '0xFFFFFFFF'), (4, 5, 1, %4, '-7')")
+                                        .arg(NTypes::E_U16).arg(NTypes::E_VSTRING).arg(NTypes::E_U32).arg(NTypes::E_I32)}));
+    }
+
+    void lookup_data()
+    {
+        QTest::addColumn<uint>("version");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<uint>("key");
+        QTest::addColumn<int>("pos");
+        // Device id, then type and text of the value at key and pos ("none" without one); else the state.
+        QTest::addColumn<QString>("found");
+
+        auto found = [](const char *tag, uint version, const char *name, uint key, int pos, const char *result) {
+            QTest::newRow(tag) << version << QString::fromLatin1(name) << key << pos << result;
+        };
+        auto missing = [](const char *tag, uint version, const char *name, NkrDeviceDatabase::eDdbState_t state) {
+            QTest::newRow(tag) << version << QString::fromLatin1(name) << 0u << 0 << QStringLiteral("state %1").arg(state);
+        };
+        found("lower bound", 0x01000000u, "DriveA", 1, 0, "1 U16 100");
+        found("upper bound", 0x0100FFFFu, "DriveA", 1, 0, "1 U16 100");
+        found("second range", 0x01010000u, "DriveA", 1, 0, "2 U16 200");
+        found("axis value", 0x01000005u, "DriveA", 1, 2, "1 U16 102");
+        found("axis falls back to device", 0x01000005u, "DriveA", 1, 1, "1 U16 100");
+        found("text value", 0x01000005u, "DriveA", 2, 3, "1 VISIBLE_STRING first");
+        found("unknown key", 0x01000005u, "DriveA", 99, 0, "1 none");
+        found("axis only, asked for device", 0x80000000u, "DriveC", 5, 0, "4 none");
+        found("axis only, asked for axis", 0x80000010u, "DriveC", 5, 1, "4 I32 -7");
+        found("whole unsigned range", 0xFFFFFFFFu, "DriveB", 5, 0, "3 U32 4294967295");
+        missing("above high-bit range", 0x80000011u, "DriveC", NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN);
+        missing("below all ranges", 0x00FFFFFFu, "DriveA", NkrDeviceDatabase::E_DDB_VERSION_UNKNOWN);
+        missing("unknown name", 0x01000000u, "DriveX", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+        missing("name differs in case", 0x01000000u, "drivea", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+        missing("empty name", 0x01000000u, "", NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+    }
+
+    void lookup()
+    {
+        QFETCH(uint, version);
+        QFETCH(QString, name);
+        QFETCH(uint, key);
+        QFETCH(int, pos);
+        QFETCH(QString, found);
+
         CDatabaseDeviceData database;
-        QVERIFY(!database.openDatabase(path, connection));
-        QVERIFY(!database.isOpen());
-        QVERIFY(!database.lastError().isEmpty());
-        // A failed open does not keep its connection, and leaves nothing to look up in.
-        QVERIFY(!QSqlDatabase::contains(connection));
-        NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_OK;
-        QVERIFY(!database.data(NTypes::uVersion_t(0x01000000), QStringLiteral("DriveA"), state));
-        QCOMPARE(state, NkrDeviceDatabase::E_DDB_NOT_OPEN);
-    }
-    QVERIFY(!QSqlDatabase::contains(connection));
-
-    // The file is neither created nor changed.
-    QCOMPARE(QFileInfo::exists(path), row != QLatin1String("missing file"));
-    QCOMPARE(readFile(path), before);
-}
-
-void tst_PlatformDeviceDb::connections()
-{
-    const QString other = m_dir.filePath(QStringLiteral("other.db"));
-    QVERIFY(runSql(other, {kDeviceTable, kPropertyTable,
-                           QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0x01000000, 0x0100FFFF)"),
-                           QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '999')").arg(NTypes::E_U16)}));
-    const QString nameA = QStringLiteral("first");
-    const QString nameB = QStringLiteral("second");
-    const NTypes::uVersion_t version(0x01000001);
-    NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
-    {
-        CDatabaseDeviceData a;
-        CDatabaseDeviceData b;
-        QVERIFY(a.openDatabase(m_database, nameA));
-        {
-            CDatabaseDeviceData refused;
-            QVERIFY(!refused.openDatabase(other, nameA));
-            QVERIFY(!refused.lastError().isEmpty());
+        QVERIFY2(database.openDatabase(m_database, QStringLiteral("lookup")) && database.isOpen(), qPrintable(database.lastError()));
+        NkrDeviceDatabase::eDdbState_t answer = NkrDeviceDatabase::E_DDB_NOT_OPEN;
+        const std::unique_ptr<CDeviceData> device(database.data(NTypes::uVersion_t(version), name, answer));
+        QCOMPARE(device != nullptr, answer == NkrDeviceDatabase::E_DDB_OK);
+        if (!device) {
+            QVERIFY(!database.lastError().isEmpty());
+            QCOMPARE(QStringLiteral("state %1").arg(answer), found);
+            return;
         }
-        // The refused object must not take the connection of the first one down.
-        QVERIFY(b.openDatabase(other, nameB));
-        QVERIFY(QSqlDatabase::contains(nameA) && QSqlDatabase::contains(nameB));
-
-        const std::unique_ptr<CDeviceData> fromA(a.data(version, QStringLiteral("DriveA"), state));
-        const std::unique_ptr<CDeviceData> fromB(b.data(version, QStringLiteral("DriveA"), state));
-        QVERIFY(fromA && fromB);
-        QCOMPARE(fromA->value(1).toU64(), 100u);
-        QCOMPARE(fromB->value(1).toU64(), 999u);
-        // The device keeps its range and every property row of its own.
-        QCOMPARE(fromA->versionMin(), 0x01000000u);
-        QCOMPARE(fromA->versionMax(), 0x0100FFFFu);
-        QCOMPARE(fromA->propertyCount(), 3);
-        QVERIFY(!b.data(version, QStringLiteral("DriveB"), state));
-        QCOMPARE(state, NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
-
-        // Reopening under another name closes the old connection.
-        QVERIFY(b.openDatabase(m_database, QStringLiteral("third")));
-        QVERIFY(!QSqlDatabase::contains(nameB));
-        delete b.data(version, QStringLiteral("DriveB"), state);
-        QCOMPARE(state, NkrDeviceDatabase::E_DDB_OK);
+        QVERIFY(device->isValid());
+        QVERIFY(device->versionMin() <= version && version <= device->versionMax());
+        const CVariant value = device->value(key, NkrDeviceDatabase::eSubDevicePos_t(pos));
+        const QString text = value.isNull() ? QStringLiteral("none") : CDataTypeParser::typeToStr(value.type()) + ' ' + value.toStr();
+        QCOMPARE(device->name() + ' ' + QString::number(device->deviceId()) + ' ' + text, name + ' ' + found);
     }
-    QVERIFY(!QSqlDatabase::contains(nameA));
-    QVERIFY(!QSqlDatabase::contains(QStringLiteral("third")));
 
-    // The names are free again.
-    CDatabaseDeviceData again;
-    QVERIFY(again.openDatabase(other, nameA));
-}
+    void openFailure_data()
+    {
+        QTest::addColumn<QString>("path"); // each row's file is named after the row
+
+        const auto path = [this](const char *tag) { return m_dir.filePath(QLatin1String(tag)); };
+        QFile empty(path("empty file")), garbage(path("garbage"));
+        QVERIFY(empty.open(QIODevice::WriteOnly) && garbage.open(QIODevice::WriteOnly));
+        QVERIFY(garbage.write(QByteArray("\x13\x37 not a database \xfe").repeated(400)) > 0);
+        QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("directory")));
+        for (const char *tag : {"missing file", "directory", "empty file", "garbage"})
+            QTest::newRow(tag) << path(tag);
+        const auto withSql = [&](const char *tag, const QStringList &sql) {
+            QVERIFY(runSql(path(tag), sql));
+            QTest::newRow(tag) << path(tag);
+        };
+        withSql("no tables", {QStringLiteral("CREATE TABLE other (x INTEGER)")});
+        withSql("device table only", {kDeviceTable, QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0, 1)")});
+        withSql("property table of another layout", {kDeviceTable, QStringLiteral("CREATE TABLE property (device_id INTEGER, name TEXT)")});
+    }
+
+    void openFailure()
+    {
+        QFETCH(QString, path);
+        const auto contents = [&path] {
+            QFile file(path);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        const bool existed = QFileInfo::exists(path);
+        const QByteArray before = contents();
+
+        const QString connection = QStringLiteral("failing");
+        {
+            CDatabaseDeviceData database;
+            QVERIFY(!database.openDatabase(path, connection));
+            QVERIFY(!database.isOpen() && !database.lastError().isEmpty());
+            // A failed open does not keep its connection, and leaves nothing to look up in.
+            QVERIFY(!QSqlDatabase::contains(connection));
+            NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_OK;
+            QVERIFY(!database.data(NTypes::uVersion_t(0x01000000), QStringLiteral("DriveA"), state));
+            QCOMPARE(state, NkrDeviceDatabase::E_DDB_NOT_OPEN);
+        }
+        // The file is neither created nor changed.
+        QCOMPARE(QFileInfo::exists(path), existed);
+        QCOMPARE(contents(), before);
+    }
+
+    void connections()
+    {
+        const QString other = m_dir.filePath(QStringLiteral("other.db"));
+        QVERIFY(runSql(other, {kDeviceTable, kPropertyTable,
+                               QStringLiteral("INSERT INTO device VALUES (1, 'DriveA', 0x01000000, 0x0100FFFF)"),
+                               QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '999')").arg(NTypes::E_U16)}));
+        const QString nameA = QStringLiteral("first"), nameB = QStringLiteral("second"), nameC = QStringLiteral("third");
+        const NTypes::uVersion_t version(0x01000001);
+        NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
+        {
+            CDatabaseDeviceData a, b;
+            QVERIFY(a.openDatabase(m_database, nameA));
+            // A second open under a taken name is refused, and the refused object must not take the
+            // connection of the first one down when it goes.
+            QVERIFY([&] { CDatabaseDeviceData refused; return !refused.openDatabase(other, nameA) && !refused.lastError().isEmpty(); }());
+            QVERIFY(b.openDatabase(other, nameB));
+            QVERIFY(QSqlDatabase::contains(nameA) && QSqlDatabase::contains(nameB));
+
+            const std::unique_ptr<CDeviceData> fromA(a.data(version, QStringLiteral("DriveA"), state));
+            const std::unique_ptr<CDeviceData> fromB(b.data(version, QStringLiteral("DriveA"), state));
+            QVERIFY(fromA && fromB);
+            QCOMPARE(fromA->value(1).toStr() + QLatin1Char(' ') + fromB->value(1).toStr(), QStringLiteral("100 999"));
+            // The device keeps its range and every property row of its own.
+            QCOMPARE(QStringLiteral("%1-%2, %3 rows")
+                         .arg(fromA->versionMin(), 0, 16).arg(fromA->versionMax(), 0, 16).arg(fromA->propertyCount()),
+                     QStringLiteral("1000000-100ffff, 3 rows"));
+            QVERIFY(!b.data(version, QStringLiteral("DriveB"), state));
+            QCOMPARE(state, NkrDeviceDatabase::E_DDB_DEVICE_UNKNOWN);
+
+            // Reopening under another name closes the old connection.
+            QVERIFY(b.openDatabase(m_database, nameC));
+            QVERIFY(!QSqlDatabase::contains(nameB));
+            delete b.data(version, QStringLiteral("DriveB"), state);
+            QCOMPARE(state, NkrDeviceDatabase::E_DDB_OK);
+        }
+        QVERIFY(!QSqlDatabase::contains(nameA) && !QSqlDatabase::contains(nameC));
+        // The names are free again.
+        CDatabaseDeviceData again;
+        QVERIFY(again.openDatabase(other, nameA));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PlatformDeviceDb)
 #include "tst_platform_devicedb.moc"

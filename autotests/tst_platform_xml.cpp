@@ -5,17 +5,11 @@
 #include "CXmlAbstractKiroFile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
-
-#ifdef Q_OS_LINUX
-#include <csignal>
-#include <sys/resource.h>
-#endif
 
 namespace {
 
@@ -58,532 +52,421 @@ protected:
 
 CXMLMetaData sampleMeta()
 {
-    return CXMLMetaData(QDate(2026, 11, 21), QTime(13, 45, 10), QStringLiteral("someone"),
-                        QStringLiteral("free text"), NTypes::uVersion_t(0x011C002A));
+    return CXMLMetaData(QDate(2026, 11, 21), QTime(13, 45, 10), QStringLiteral("someone"), QStringLiteral("free text"),
+                        NTypes::uVersion_t(0x011C002A));
 }
 
 } // namespace
 
 Q_DECLARE_METATYPE(CXMLMetaData)
 
-namespace QTest {
-template<>
 char *toString(const CXMLMetaData &meta)
 {
-    return qstrdup(QStringLiteral("%1 %2 '%3' '%4' %5")
-                       .arg(meta.date().toString(Qt::ISODate), meta.time().toString(Qt::ISODate), meta.author(),
-                            meta.comment(), CStr::versionToString(meta.version()))
-                       .toUtf8()
-                       .constData());
+    const QString text = QStringLiteral("%1 %2 '%3' '%4' %5").arg(meta.date().toString(Qt::ISODate), meta.time().toString(Qt::ISODate),
+                                                                  meta.author(), meta.comment(), CStr::versionToString(meta.version()));
+    return qstrdup(text.toUtf8().constData());
 }
-} // namespace QTest
 
 class tst_PlatformXml : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-
-    void openResult_data();
-    void openResult();
-    void openAcceptsVersionThroughHook();
-    void streamHeader_data();
-    void streamHeader();
-
-    void metaDataRoundTrip_data();
-    void metaDataRoundTrip();
-    void headerPartsAndRewrite();
-    void saveInDeclaredEncoding();
-    void saveKeepsOldFileOnFailure_data();
-    void saveKeepsOldFileOnFailure();
-
-    void conversions_data();
-    void conversions();
-    void typedReaders_data();
-    void typedReaders();
-    void stringReadersAndBuilders();
-
-private:
     QTemporaryDir m_dir;
-};
 
-void tst_PlatformXml::initTestCase()
-{
-    QVERIFY(m_dir.isValid());
-}
+private slots:
+    void initTestCase() { QVERIFY(m_dir.isValid()); }
 
-void tst_PlatformXml::openResult_data()
-{
-    QTest::addColumn<QString>("fileName");
-    QTest::addColumn<QByteArray>("content"); // written unless the file is missing or a directory
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QString>("errorPattern");
+    void openResult_data()
+    {
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<QByteArray>("content"); // written unless the file is missing or a directory
+        QTest::addColumn<int>("result");
+        QTest::addColumn<QString>("errorPattern");
 
-    const QString lineColumn = QStringLiteral("^Line \\d+, column \\d+: .+");
-    QTest::newRow("readable") << "ok.xml" << document(kType, kVersion) << 0 << "^$";
-    QTest::newRow("missing") << "missing.xml" << QByteArray() << 1 << "missing\\.xml";
-    QTest::newRow("directory") << "adir" << QByteArray() << 1 << "adir";
-    QTest::newRow("empty") << "empty.xml" << QByteArray("") << 2 << lineColumn;
-    QTest::newRow("not xml") << "text.xml" << QByteArray("just some text\n") << 2 << lineColumn;
-    QTest::newRow("truncated") << "cut.xml" << document(kType, kVersion).left(120) << 2 << lineColumn;
-    QTest::newRow("mismatched tag") << "tag.xml"
-                                    << QByteArray("<?xml version=\"1.0\"?>\n<A version=\"1\">\n  <B></C>\n</A>\n")
-                                    << 2 << "^Line 3, column \\d+: ";
-    QTest::newRow("wrong type") << "type.xml" << document(QStringLiteral("OtherFile"), kVersion) << 3
-                                << "<OtherFile>.*<KiroObjectDictionary>";
-    QTest::newRow("wrong version") << "version.xml" << document(kType, QStringLiteral("9.9")) << 4
-                                   << "'9\\.9'.*'1\\.2\\.0'";
-    QTest::newRow("version missing") << "noversion.xml"
-                                     << QByteArray("<KiroObjectDictionary><Header/></KiroObjectDictionary>") << 4
-                                     << "'1\\.2\\.0'";
-}
-
-void tst_PlatformXml::openResult()
-{
-    QFETCH(QString, fileName);
-    QFETCH(QByteArray, content);
-    QFETCH(int, result);
-    QFETCH(QString, errorPattern);
-
-    const QString path = m_dir.filePath(fileName);
-    if (fileName == QLatin1String("adir"))
-        QVERIFY(QDir(m_dir.path()).mkpath(fileName));
-    else if (fileName != QLatin1String("missing.xml"))
-        QVERIFY(writeFile(path, content));
-
-    // A document read before stays when the next open fails.
-    const QString previous = m_dir.filePath(QStringLiteral("previous.xml"));
-    QVERIFY(writeFile(previous, document(kType, kVersion, "  <Name>Previous</Name>\n")));
-    CXmlAbstractKiroFile file;
-    QCOMPARE(file.open(previous, kType, kVersion), 0);
-
-    QString errorText = QStringLiteral("untouched");
-    QCOMPARE(file.open(path, kType, kVersion, &errorText), result);
-    QVERIFY2(QRegularExpression(errorPattern).match(errorText).hasMatch(), qPrintable(errorText));
-    if (result == 0) {
-        QCOMPARE(file.documentType(), kType);
-        QCOMPARE(file.documentVersion(), kVersion);
-        QCOMPARE(file.metaData().author(), QStringLiteral("someone"));
-        QVERIFY(!CDomDoc::hasSubElement(file.documentElement(), QStringLiteral("Name")));
-    } else {
-        QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("Name"), file.documentElement(), QString()),
-                 QStringLiteral("Previous"));
+        const QString lineColumn = QStringLiteral("^Line \\d+, column \\d+: .+");
+        QTest::newRow("readable") << "ok.xml" << document(kType, kVersion) << 0 << "^$";
+        QTest::newRow("missing") << "missing.xml" << QByteArray() << 1 << "missing\\.xml";
+        QTest::newRow("directory") << "adir" << QByteArray() << 1 << "adir";
+        QTest::newRow("empty") << "empty.xml" << QByteArray("") << 2 << lineColumn;
+        QTest::newRow("not xml") << "text.xml" << QByteArray("just some text\n") << 2 << lineColumn;
+        QTest::newRow("truncated") << "cut.xml" << document(kType, kVersion).left(120) << 2 << lineColumn;
+        QTest::newRow("mismatched tag") << "tag.xml" << QByteArray("<?xml version=\"1.0\"?>\n<A version=\"1\">\n  <B></C>\n</A>\n")
+                                        << 2 << "^Line 3, column \\d+: ";
+        QTest::newRow("wrong type") << "type.xml" << document(QStringLiteral("OtherFile"), kVersion) << 3
+                                    << "<OtherFile>.*<KiroObjectDictionary>";
+        QTest::newRow("wrong version") << "version.xml" << document(kType, QStringLiteral("9.9")) << 4 << "'9\\.9'.*'1\\.2\\.0'";
+        QTest::newRow("version missing") << "noversion.xml" << QByteArray("<KiroObjectDictionary><Header/></KiroObjectDictionary>")
+                                         << 4 << "'1\\.2\\.0'";
     }
-    QVERIFY(fileName != QLatin1String("missing.xml") || !QFile::exists(path));
-}
 
-void tst_PlatformXml::openAcceptsVersionThroughHook()
-{
-    const QString path = m_dir.filePath(QStringLiteral("old.xml"));
-    QVERIFY(writeFile(path, document(kType, QStringLiteral("1.0.0"))));
+    void openResult()
+    {
+        QFETCH(QString, fileName);
+        QFETCH(QByteArray, content);
+        QFETCH(int, result);
+        QFETCH(QString, errorPattern);
 
-    CLenientFile file;
-    QCOMPARE(file.open(path, kType, kVersion), 0);
-    QCOMPARE(file.asked, QStringList({QStringLiteral("1.0.0"), kVersion}));
-    QCOMPARE(file.documentVersion(), QStringLiteral("1.0.0"));
-    QCOMPARE(file.metaData().version(), NTypes::uVersion_t(0x011C002A));
+        const QString path = m_dir.filePath(fileName);
+        if (fileName == QLatin1String("adir"))
+            QVERIFY(QDir(m_dir.path()).mkpath(fileName));
+        else if (fileName != QLatin1String("missing.xml"))
+            QVERIFY(writeFile(path, content));
 
-}
+        // A document read before stays when the next open fails.
+        const QString previous = m_dir.filePath(QStringLiteral("previous.xml"));
+        QVERIFY(writeFile(previous, document(kType, kVersion, "  <Name>Previous</Name>\n")));
+        CXmlAbstractKiroFile file;
+        QCOMPARE(file.open(previous, kType, kVersion), 0);
 
-void tst_PlatformXml::streamHeader_data()
-{
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QString>("version");
-    QTest::addColumn<CXMLMetaData>("meta");
-    QTest::addColumn<bool>("accept"); // what the version hook answers
-    QTest::addColumn<int>("result");
+        QString errorText = QStringLiteral("untouched");
+        QCOMPARE(file.open(path, kType, kVersion, &errorText), result);
+        QVERIFY2(QRegularExpression(errorPattern).match(errorText).hasMatch(), qPrintable(errorText));
+        if (result == 0) {
+            QCOMPARE(file.documentType() + QLatin1Char(' ') + file.documentVersion() + QLatin1Char(' ') + file.metaData().author(),
+                     QStringLiteral("KiroObjectDictionary 1.2.0 someone"));
+            QVERIFY(!CDomDoc::hasSubElement(file.documentElement(), QStringLiteral("Name")));
+        } else {
+            QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("Name"), file.documentElement(), QString()),
+                     QStringLiteral("Previous"));
+        }
+        QVERIFY(fileName != QLatin1String("missing.xml") || !QFile::exists(path));
+    }
 
-    const QString other = QStringLiteral("2.0");
-    QTest::newRow("matching") << kType << kVersion << sampleMeta() << false << 0;
-    QTest::newRow("empty header") << kType << kVersion << CXMLMetaData() << false << 0;
-    QTest::newRow("wrong type") << QStringLiteral("Other") << kVersion << sampleMeta() << true << 3;
-    QTest::newRow("wrong version refused") << kType << other << sampleMeta() << false << 4;
-    QTest::newRow("wrong version accepted") << kType << other << sampleMeta() << true << 0;
-}
+    void openAcceptsVersionThroughHook()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("old.xml"));
+        QVERIFY(writeFile(path, document(kType, QStringLiteral("1.0.0"))));
+        CLenientFile file;
+        QCOMPARE(file.open(path, kType, kVersion), 0);
+        QCOMPARE(file.asked, QStringList({QStringLiteral("1.0.0"), kVersion}));
+        QCOMPARE(file.documentVersion(), QStringLiteral("1.0.0"));
+        QCOMPARE(file.metaData().version(), NTypes::uVersion_t(0x011C002A));
+    }
 
-void tst_PlatformXml::streamHeader()
-{
-    QFETCH(QString, type);
-    QFETCH(QString, version);
-    QFETCH(CXMLMetaData, meta);
-    QFETCH(bool, accept);
-    QFETCH(int, result);
+    void streamHeader_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<CXMLMetaData>("meta");
+        QTest::addColumn<bool>("accept"); // what the version hook answers
+        QTest::addColumn<int>("result");
 
-    QByteArray bytes;
-    QXmlStreamWriter writer(&bytes);
-    writer.writeStartDocument();
-    writer.writeStartElement(type);
-    writer.writeAttribute(QStringLiteral("version"), version);
-    CXmlAbstractKiroFile::writeHeader(writer, meta);
-    writer.writeTextElement(QStringLiteral("Name"), QStringLiteral("Drive"));
-    writer.writeEndDocument();
+        const QString other = QStringLiteral("2.0");
+        QTest::newRow("matching") << kType << kVersion << sampleMeta() << false << 0;
+        QTest::newRow("empty header") << kType << kVersion << CXMLMetaData() << false << 0;
+        QTest::newRow("wrong type") << QStringLiteral("Other") << kVersion << sampleMeta() << true << 3;
+        QTest::newRow("wrong version refused") << kType << other << sampleMeta() << false << 4;
+        QTest::newRow("wrong version accepted") << kType << other << sampleMeta() << true << 0;
+    }
 
-    QXmlStreamReader reader(bytes);
-    QVERIFY(reader.readNextStartElement());
-    CLenientFile file;
-    file.accept = accept;
-    QString errorText;
-    QCOMPARE(file.checkDocumentElement(reader, kType, kVersion, &errorText), result);
-    QCOMPARE(errorText.isEmpty(), result == 0);
-    // The hook is asked only when the type matches and the version does not.
-    QCOMPARE(file.asked.isEmpty(), version == kVersion || type != kType);
-    if (result != 0)
-        return;
+    void streamHeader()
+    {
+        QFETCH(QString, type);
+        QFETCH(QString, version);
+        QFETCH(CXMLMetaData, meta);
+        QFETCH(bool, accept);
+        QFETCH(int, result);
 
-    QVERIFY(reader.readNextStartElement());
-    QCOMPARE(CXmlAbstractKiroFile::readHeader(reader), meta);
-    // The reader continues behind the header.
-    QVERIFY(reader.readNextStartElement());
-    QCOMPARE(reader.name().toString(), QStringLiteral("Name"));
+        QByteArray bytes;
+        QXmlStreamWriter writer(&bytes);
+        writer.writeStartDocument();
+        writer.writeStartElement(type);
+        writer.writeAttribute(QStringLiteral("version"), version);
+        CXmlAbstractKiroFile::writeHeader(writer, meta);
+        writer.writeTextElement(QStringLiteral("Name"), QStringLiteral("Drive"));
+        writer.writeEndDocument();
 
-    // The DOM reads what the stream writer wrote.
-    QDomDocument doc;
-    QVERIFY(doc.setContent(bytes));
-    QCOMPARE(CXmlAbstractKiroFile::metaDataFromElement(doc.documentElement().firstChildElement()), meta);
-}
+        QXmlStreamReader reader(bytes);
+        QVERIFY(reader.readNextStartElement());
+        CLenientFile file;
+        file.accept = accept;
+        QString errorText;
+        QCOMPARE(file.checkDocumentElement(reader, kType, kVersion, &errorText), result);
+        QCOMPARE(errorText.isEmpty(), result == 0);
+        // The hook is asked only when the type matches and the version does not.
+        QCOMPARE(file.asked.isEmpty(), version == kVersion || type != kType);
+        if (result != 0)
+            return;
 
-void tst_PlatformXml::metaDataRoundTrip_data()
-{
-    QTest::addColumn<CXMLMetaData>("meta");
-    QTest::addColumn<QByteArray>("golden"); // the saved file, when given
+        QVERIFY(reader.readNextStartElement());
+        QCOMPARE(CXmlAbstractKiroFile::readHeader(reader), meta);
+        // The reader continues behind the header.
+        QVERIFY(reader.readNextStartElement());
+        QCOMPARE(reader.name().toString(), QStringLiteral("Name"));
+        // The DOM reads what the stream writer wrote.
+        QDomDocument doc;
+        QVERIFY(doc.setContent(bytes));
+        QCOMPARE(CXmlAbstractKiroFile::metaDataFromElement(doc.documentElement().firstChildElement()), meta);
+    }
 
-    QTest::newRow("complete") << sampleMeta()
-                              << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                            "<KiroObjectDictionary version=\"1.2.0\">\n"
-                                            "  <Header>\n"
-                                            "    <Date>2026-11-21</Date>\n"
-                                            "    <Time>13:45:10</Time>\n"
-                                            "    <Author>someone</Author>\n"
-                                            "    <Comment>free text</Comment>\n"
-                                            "    <Version>1.28.42</Version>\n"
-                                            "  </Header>\n"
-                                            "  <Name>DemoDrive</Name>\n"
-                                            "</KiroObjectDictionary>\n");
-    QTest::newRow("empty") << CXMLMetaData() << QByteArray();
-    QTest::newRow("markup and umlauts")
-        << CXMLMetaData(QDate(1999, 1, 2), QTime(0, 0, 1), QStringLiteral("Jürgen <&> \"x\""),
-                        QStringLiteral("line 1\nline 2 ©"), NTypes::uVersion_t::fromParts(255, 255, 65535))
-        << QByteArray();
-}
+    void metaDataRoundTrip_data()
+    {
+        QTest::addColumn<CXMLMetaData>("meta");
+        QTest::addColumn<QByteArray>("golden"); // the saved file, when given
 
-void tst_PlatformXml::metaDataRoundTrip()
-{
-    QFETCH(CXMLMetaData, meta);
-    QFETCH(QByteArray, golden);
+        QTest::newRow("complete") << sampleMeta()
+                                  << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<KiroObjectDictionary version=\"1.2.0\">\n"
+                                                "  <Header>\n    <Date>2026-11-21</Date>\n    <Time>13:45:10</Time>\n"
+                                                "    <Author>someone</Author>\n    <Comment>free text</Comment>\n"
+                                                "    <Version>1.28.42</Version>\n  </Header>\n"
+                                                "  <Name>DemoDrive</Name>\n</KiroObjectDictionary>\n");
+        QTest::newRow("empty") << CXMLMetaData() << QByteArray();
+        QTest::newRow("markup and umlauts") << CXMLMetaData(QDate(1999, 1, 2), QTime(0, 0, 1), QStringLiteral("Jürgen <&> \"x\""),
+                                                            QStringLiteral("line 1\nline 2 ©"), NTypes::uVersion_t(0xFFFFFFFF))
+                                            << QByteArray();
+    }
 
-    CXmlAbstractKiroFile written;
-    QVERIFY(!written.create(QString(), kVersion, meta));
-    QVERIFY(!written.save(m_dir.filePath(QStringLiteral("nothing.xml"))));
-    QVERIFY(written.create(kType, kVersion, meta));
-    QCOMPARE(written.metaData(), meta);
-    written.domDoc().addSubElement(written.documentElement(), QStringLiteral("Name"), QStringLiteral("DemoDrive"));
-    const QString path = m_dir.filePath(QStringLiteral("roundtrip.xml"));
-    QVERIFY(written.save(path));
-    if (!golden.isEmpty())
-        QCOMPARE(readFile(path), golden);
+    void metaDataRoundTrip()
+    {
+        QFETCH(CXMLMetaData, meta);
+        QFETCH(QByteArray, golden);
 
-    CXmlAbstractKiroFile read;
-    QString errorText;
-    QCOMPARE(read.open(path, kType, kVersion, &errorText), 0);
-    QCOMPARE(read.metaData(), meta);
+        CXmlAbstractKiroFile written;
+        QVERIFY(!written.create(QString(), kVersion, meta));
+        QVERIFY(!written.save(m_dir.filePath(QStringLiteral("nothing.xml"))));
+        QVERIFY(written.create(kType, kVersion, meta));
+        QCOMPARE(written.metaData(), meta);
+        written.domDoc().addSubElement(written.documentElement(), QStringLiteral("Name"), QStringLiteral("DemoDrive"));
+        const QString path = m_dir.filePath(QStringLiteral("roundtrip.xml"));
+        QVERIFY(written.save(path));
+        if (!golden.isEmpty())
+            QCOMPARE(readFile(path), golden);
 
-    // Saving what was read gives the same bytes.
-    const QString again = m_dir.filePath(QStringLiteral("roundtrip2.xml"));
-    QVERIFY(read.save(again));
-    QCOMPARE(readFile(again), readFile(path));
-}
+        CXmlAbstractKiroFile read;
+        QCOMPARE(read.open(path, kType, kVersion), 0);
+        QCOMPARE(read.metaData(), meta);
+        // Saving what was read gives the same bytes.
+        const QString again = m_dir.filePath(QStringLiteral("roundtrip2.xml"));
+        QVERIFY(read.save(again));
+        QCOMPARE(readFile(again), readFile(path));
+    }
 
-void tst_PlatformXml::headerPartsAndRewrite()
-{
-    // Without a header the meta data are the defaults; setMetaData adds one as the first child.
-    const QString path = m_dir.filePath(QStringLiteral("partial.xml"));
-    QVERIFY(writeFile(path, "<KiroObjectDictionary version=\"1.2.0\"><Name>n</Name></KiroObjectDictionary>"));
-    CXmlAbstractKiroFile file;
-    QCOMPARE(file.open(path, kType, kVersion), 0);
-    QCOMPARE(file.metaData(), CXMLMetaData());
-    file.setMetaData(sampleMeta());
-    QCOMPARE(file.metaData(), sampleMeta());
-    QDomElement first = file.documentElement().firstChildElement();
-    QCOMPARE(first.tagName(), QStringLiteral("Header"));
-    QCOMPARE(CXmlAbstractKiroFile::metaDataFromElement(first), sampleMeta());
+    void headerPartsAndRewrite()
+    {
+        // Without a header the meta data are the defaults; setMetaData adds one as the first child.
+        const QString path = m_dir.filePath(QStringLiteral("partial.xml"));
+        QVERIFY(writeFile(path, "<KiroObjectDictionary version=\"1.2.0\"><Name>n</Name></KiroObjectDictionary>"));
+        CXmlAbstractKiroFile file;
+        QCOMPARE(file.open(path, kType, kVersion), 0);
+        QCOMPARE(file.metaData(), CXMLMetaData());
+        file.setMetaData(sampleMeta());
+        QCOMPARE(file.metaData(), sampleMeta());
+        QDomElement first = file.documentElement().firstChildElement();
+        QCOMPARE(first.tagName(), QStringLiteral("Header"));
+        QCOMPARE(CXmlAbstractKiroFile::metaDataFromElement(first), sampleMeta());
 
-    // Unreadable or missing parts read as defaults; a rewrite replaces parts instead of adding more.
-    QVERIFY(writeFile(path, "<KiroObjectDictionary version=\"1.2.0\"><Header><Date>2020-02-30</Date>"
-                            "<Comment>only this</Comment><Version>x.y</Version><Extra/></Header>"
-                            "</KiroObjectDictionary>"));
-    QCOMPARE(file.open(path, kType, kVersion), 0);
-    CXMLMetaData expected;
-    expected.setComment(QStringLiteral("only this"));
-    QCOMPARE(file.metaData(), expected);
-    CXMLMetaData changed = sampleMeta();
-    changed.setAuthor(QStringLiteral("other"));
-    file.setMetaData(changed);
-    first = file.documentElement().firstChildElement();
-    for (const char *part : {"Date", "Author", "Comment", "Version"})
-        QCOMPARE(first.elementsByTagName(QLatin1String(part)).size(), 1);
-    QCOMPARE(CXmlAbstractKiroFile::metaDataFromElement(first), changed);
-    QCOMPARE(file.documentElement().elementsByTagName(QStringLiteral("Header")).size(), 1);
+        // Unreadable or missing parts read as defaults; a rewrite replaces parts instead of adding more.
+        QVERIFY(writeFile(path, "<KiroObjectDictionary version=\"1.2.0\"><Header><Date>2020-02-30</Date>"
+                                "<Comment>only this</Comment><Version>x.y</Version><Extra/></Header></KiroObjectDictionary>"));
+        QCOMPARE(file.open(path, kType, kVersion), 0);
+        CXMLMetaData expected;
+        expected.setComment(QStringLiteral("only this"));
+        QCOMPARE(file.metaData(), expected);
+        CXMLMetaData changed = sampleMeta();
+        changed.setAuthor(QStringLiteral("other"));
+        file.setMetaData(changed);
+        first = file.documentElement().firstChildElement();
+        for (const char *part : {"Date", "Author", "Comment", "Version"})
+            QCOMPARE(first.elementsByTagName(QLatin1String(part)).size(), 1);
+        QCOMPARE(CXmlAbstractKiroFile::metaDataFromElement(first), changed);
+        QCOMPARE(file.documentElement().elementsByTagName(QStringLiteral("Header")).size(), 1);
 
-    // Without a document only the stored meta data change.
-    CXmlAbstractKiroFile empty;
-    empty.setMetaData(changed);
-    QCOMPARE(empty.metaData(), changed);
-    QVERIFY(empty.documentElement().isNull());
-}
+        // Without a document only the stored meta data change.
+        CXmlAbstractKiroFile empty;
+        empty.setMetaData(changed);
+        QCOMPARE(empty.metaData(), changed);
+        QVERIFY(empty.documentElement().isNull());
+    }
 
-void tst_PlatformXml::saveInDeclaredEncoding()
-{
-    CXMLMetaData meta = sampleMeta();
-    meta.setAuthor(QStringLiteral("Grüße"));
-    CXmlAbstractKiroFile file;
-    QVERIFY(file.create(kType, kVersion, meta, QStringLiteral("ISO-8859-1")));
-    const QString path = m_dir.filePath(QStringLiteral("latin1.xml"));
-    QVERIFY(file.save(path));
+    void saveInDeclaredEncoding()
+    {
+        CXMLMetaData meta = sampleMeta();
+        meta.setAuthor(QStringLiteral("Grüße"));
+        CXmlAbstractKiroFile file;
+        QVERIFY(file.create(kType, kVersion, meta, QStringLiteral("ISO-8859-1")));
+        const QString path = m_dir.filePath(QStringLiteral("latin1.xml"));
+        QVERIFY(file.save(path));
 
-    const QByteArray bytes = readFile(path);
-    QVERIFY2(bytes.startsWith("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n"), bytes.constData());
-    QVERIFY(bytes.contains("Gr\xFC\xDF" "e"));
-    CXmlAbstractKiroFile read;
-    QCOMPARE(read.open(path, kType, kVersion), 0);
-    QCOMPARE(read.metaData().author(), meta.author());
+        const QByteArray bytes = readFile(path);
+        QVERIFY2(bytes.startsWith("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n"), bytes.constData());
+        QVERIFY(bytes.contains("Gr\xFC\xDF" "e"));
+        CXmlAbstractKiroFile read;
+        QCOMPARE(read.open(path, kType, kVersion), 0);
+        QCOMPARE(read.metaData().author(), meta.author());
+        // An explicit encoding wins over the one of the document.
+        QVERIFY(read.save(path, QStringLiteral("UTF-8")));
+        QVERIFY(readFile(path).contains("Gr\xC3\xBC\xC3\x9F" "e"));
+    }
 
-    // An explicit encoding wins over the one of the document.
-    QVERIFY(read.save(path, QStringLiteral("UTF-8")));
-    QVERIFY(readFile(path).contains("Gr\xC3\xBC\xC3\x9F" "e"));
-}
+    // A write failing half-way (a full disk) is covered for every writer by tst_atomicsave.
+    void saveKeepsOldFileOnFailure_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::newRow("parent is a file") << "blocker/file.xml";
+        QTest::newRow("missing directory") << "nodir/file.xml";
+        QTest::newRow("target is a directory") << "targetdir";
+    }
 
-void tst_PlatformXml::saveKeepsOldFileOnFailure_data()
-{
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<int>("sizeLimit"); // bytes the process may write to a file; 0 for no limit
+    void saveKeepsOldFileOnFailure()
+    {
+        QFETCH(QString, target);
+        QTemporaryDir dir;
+        QVERIFY(dir.isValid());
+        const QByteArray old = "old content, not even XML\n";
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("blocker")), old));
+        QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("targetdir")));
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("targetdir/inside")), old));
+        const auto entries = [&dir] { return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden); };
+        const QStringList before = entries();
 
-    QTest::newRow("parent is a file") << "blocker/file.xml" << 0;
-    QTest::newRow("missing directory") << "nodir/file.xml" << 0;
-    QTest::newRow("target is a directory") << "targetdir" << 0;
-#ifdef Q_OS_LINUX
-    // The limit makes writing fail half-way, as a full disk would; root is not exempt from it.
-    QTest::newRow("write fails half-way") << "blocker" << 512;
-#endif
-}
+        CMemoryLogfile log;
+        CXmlAbstractKiroFile file(&log);
+        QVERIFY(file.create(kType, kVersion, sampleMeta()));
+        QVERIFY(!file.save(dir.filePath(target)));
+        QCOMPARE(log.count(NkrLogfiles::E_SEV_WARNING), 1);
+        QCOMPARE(readFile(dir.filePath(QStringLiteral("blocker"))), old);
+        QCOMPARE(readFile(dir.filePath(QStringLiteral("targetdir/inside"))), old);
+        QCOMPARE(entries(), before); // no temporary file is left behind
+    }
 
-void tst_PlatformXml::saveKeepsOldFileOnFailure()
-{
-    QFETCH(QString, target);
-    QFETCH(int, sizeLimit);
+    void conversions_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("results"); // of toU32 toU64 toI32 toI64 toF64 toBool; "-" when refused
 
-    QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-    const QByteArray old = "old content, not even XML\n";
-    QVERIFY(writeFile(dir.filePath(QStringLiteral("blocker")), old));
-    QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("targetdir")));
-    QVERIFY(writeFile(dir.filePath(QStringLiteral("targetdir/inside")), old));
-    const QStringList before = QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+        QTest::newRow("zero with blanks") << " \t0 \n" << "0 0 0 0 0 0";
+        QTest::newRow("one") << "1" << "1 1 1 1 1 1";
+        QTest::newRow("two") << "2" << "2 2 2 2 2 -";
+        QTest::newRow("hex") << "0x2A" << "42 42 42 42 42 -";
+        QTest::newRow("hex upper prefix, lower digits") << "0X2a" << "42 42 42 42 42 -";
+        QTest::newRow("32-bit signed maximum") << "2147483647" << "2147483647 2147483647 2147483647 2147483647 2147483647 -";
+        QTest::newRow("above 32 bits signed") << "2147483648" << "2147483648 2147483648 - 2147483648 2147483648 -";
+        QTest::newRow("hex is a value, no pattern") << "0x80000000" << "2147483648 2147483648 - 2147483648 2147483648 -";
+        QTest::newRow("32-bit maximum") << "4294967295" << "4294967295 4294967295 - 4294967295 4294967295 -";
+        QTest::newRow("beyond 32 bits") << "4294967296" << "- 4294967296 - 4294967296 4294967296 -";
+        QTest::newRow("hex beyond 32 bits") << "0x100000000" << "- 4294967296 - 4294967296 4294967296 -";
+        QTest::newRow("above 64 bits signed") << "9223372036854775808" << "- 9223372036854775808 - - 9.2233720368547758e+18 -";
+        QTest::newRow("64-bit maximum") << "18446744073709551615" << "- 18446744073709551615 - - 1.8446744073709552e+19 -";
+        QTest::newRow("64-bit maximum hex") << "0xFFFFFFFFFFFFFFFF" << "- 18446744073709551615 - - - -";
+        QTest::newRow("beyond 64 bits") << "18446744073709551616" << "- - - - 1.8446744073709552e+19 -";
+        QTest::newRow("negative") << "-5" << "- - -5 -5 -5 -";
+        QTest::newRow("negative zero") << "-0" << "- - 0 0 0 -";
+        QTest::newRow("plus sign") << "+1" << "- - - - 1 -";
+        QTest::newRow("negative hex") << "-0x10" << "- - -16 -16 -16 -";
+        QTest::newRow("32-bit minimum") << "-2147483648" << "- - -2147483648 -2147483648 -2147483648 -";
+        QTest::newRow("below 32 bits") << "-2147483649" << "- - - -2147483649 -2147483649 -";
+        QTest::newRow("64-bit minimum") << "-9223372036854775808" << "- - - -9223372036854775808 -9.2233720368547758e+18 -";
+        QTest::newRow("below 64 bits") << "-9223372036854775809" << "- - - - -9.2233720368547758e+18 -";
+        QTest::newRow("fraction") << "1.5" << "- - - - 1.5 -";
+        QTest::newRow("exponent") << "-2e3" << "- - - - -2000 -";
+        QTest::newRow("true any case") << "TrUe" << "- - - - - 1";
+        QTest::newRow("false") << "false" << "- - - - - 0";
+        for (const char *bad : {"", "  ", "0x", "yes", "12abc", "0x1G", "1 2", "--1", "-", "- 1", "1,5"})
+            QTest::newRow(qPrintable(QStringLiteral("refused '%1'").arg(QLatin1String(bad)))) << bad << "- - - - - -";
+    }
 
-    CMemoryLogfile log;
-    CXmlAbstractKiroFile file(&log);
-    QVERIFY(file.create(kType, kVersion, sampleMeta()));
-    for (int i = 0; i < 200; ++i)
-        file.domDoc().addSubElement(file.documentElement(), QStringLiteral("Item"), QString::number(i));
-    bool saved = true;
-#ifdef Q_OS_LINUX
-    rlimit unlimited {};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
-    const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limited = unlimited;
-    if (sizeLimit > 0)
-        limited.rlim_cur = rlim_t(sizeLimit);
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    saved = file.save(dir.filePath(target));
-    setrlimit(RLIMIT_FSIZE, &unlimited);
-    std::signal(SIGXFSZ, previousHandler);
-#else
-    saved = file.save(dir.filePath(target));
-#endif
-    QVERIFY(!saved);
-    QCOMPARE(log.count(NkrLogfiles::E_SEV_WARNING), 1);
+    void conversions()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, results);
+        // The flag starts opposite to the expectation, so one left untouched shows; a refused text
+        // must also read as 0.
+        const QStringList want = results.split(QLatin1Char(' '));
+        QStringList got;
+        const auto convert = [&](auto conversion) {
+            bool ok = want.value(got.size()) == QLatin1String("-");
+            const QString result = conversion(&ok);
+            got << (ok ? result : result == QLatin1String("0") ? QStringLiteral("-") : QStringLiteral("refused, yet ") + result);
+        };
+        convert([&](bool *ok) { return QString::number(CDomDoc::toU32(text, ok)); });
+        convert([&](bool *ok) { return QString::number(CDomDoc::toU64(text, ok)); });
+        convert([&](bool *ok) { return QString::number(CDomDoc::toI32(text, ok)); });
+        convert([&](bool *ok) { return QString::number(CDomDoc::toI64(text, ok)); });
+        // + 0.0: the sign of zero is no concern
+        convert([&](bool *ok) { return QString::number(CDomDoc::toF64(text, ok) + 0.0, 'g', 17); });
+        convert([&](bool *ok) { return QString::number(int(CDomDoc::toBool(text, ok))); });
+        QCOMPARE(got.join(QLatin1Char(' ')), results);
+    }
 
-    QCOMPARE(readFile(dir.filePath(QStringLiteral("blocker"))), old);
-    QCOMPARE(readFile(dir.filePath(QStringLiteral("targetdir/inside"))), old);
-    // No temporary file is left behind.
-    QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), before);
-    if (sizeLimit > 0) // it was the limit
-        QVERIFY(file.save(dir.filePath(target)));
-}
+    void typedReaders_data()
+    {
+        QTest::addColumn<QString>("reader");
+        QTest::addColumn<QString>("name"); // sub-element tag or attribute name of <Root>
+        QTest::addColumn<qint64>("value"); // 7 is the default
+        QTest::addColumn<QString>("errorText");
 
-void tst_PlatformXml::conversions_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("results"); // of toU32 toU64 toI32 toI64 toF64 toBool; "-" when refused
+        const auto row = [](const char *tag, const char *reader, const char *name, qint64 value, const char *error = "") {
+            QTest::newRow(tag) << reader << name << value << QString::fromLatin1(error);
+        };
+        row("element hex", "U32", "Good", 16);
+        row("element missing", "U32", "None", 7);
+        row("element garbage", "U32", "Bad", 7, "Cannot convert 'abc' of <Bad> (line 3) to U32.");
+        row("element negative as unsigned", "U64", "Neg", 7, "Cannot convert ' -5 ' of <Neg> (line 4) to U64.");
+        row("element negative as I32", "I32", "Neg", -5);
+        row("element empty", "I32", "Empty", 7, "Cannot convert '' of <Empty> (line 5) to I32.");
+        row("element bool", "BOOL", "Flag", 1);
+        row("element bool garbage", "BOOL", "Bad", 7, "Cannot convert 'abc' of <Bad> (line 3) to BOOL.");
+        row("attribute", "attrU32", "id", 0x2000);
+        row("attribute missing", "attrI64", "none", 7);
+        row("attribute negative", "attrI32", "offset", -3);
+        row("attribute garbage", "attrI64", "size", 7, "Cannot convert 'big' of <Root@size> (line 1) to I64.");
+        row("attribute out of range", "attrU32", "offset", 7, "Cannot convert '-3' of <Root@offset> (line 1) to U32.");
+    }
 
-    QTest::newRow("zero with blanks") << " 0 " << "0 0 0 0 0 0";
-    QTest::newRow("one") << "1" << "1 1 1 1 1 1";
-    QTest::newRow("two") << "2" << "2 2 2 2 2 -";
-    QTest::newRow("blanks") << " \t42 \n" << "42 42 42 42 42 -";
-    QTest::newRow("hex") << "0x2A" << "42 42 42 42 42 -";
-    QTest::newRow("hex upper prefix, lower digits") << "0X2a" << "42 42 42 42 42 -";
-    QTest::newRow("32-bit signed maximum") << "2147483647" << "2147483647 2147483647 2147483647 2147483647 2147483647 -";
-    QTest::newRow("above 32 bits signed") << "2147483648" << "2147483648 2147483648 - 2147483648 2147483648 -";
-    QTest::newRow("hex is a value, no pattern") << "0x80000000" << "2147483648 2147483648 - 2147483648 2147483648 -";
-    QTest::newRow("32-bit maximum") << "4294967295" << "4294967295 4294967295 - 4294967295 4294967295 -";
-    QTest::newRow("beyond 32 bits") << "4294967296" << "- 4294967296 - 4294967296 4294967296 -";
-    QTest::newRow("hex beyond 32 bits") << "0x100000000" << "- 4294967296 - 4294967296 4294967296 -";
-    QTest::newRow("above 64 bits signed") << "9223372036854775808" << "- 9223372036854775808 - - 9.2233720368547758e+18 -";
-    QTest::newRow("64-bit maximum") << "18446744073709551615" << "- 18446744073709551615 - - 1.8446744073709552e+19 -";
-    QTest::newRow("64-bit maximum hex") << "0xFFFFFFFFFFFFFFFF" << "- 18446744073709551615 - - - -";
-    QTest::newRow("beyond 64 bits") << "18446744073709551616" << "- - - - 1.8446744073709552e+19 -";
-    QTest::newRow("negative") << "-5" << "- - -5 -5 -5 -";
-    QTest::newRow("negative zero") << "-0" << "- - 0 0 0 -";
-    QTest::newRow("plus sign") << "+1" << "- - - - 1 -";
-    QTest::newRow("negative hex") << "-0x10" << "- - -16 -16 -16 -";
-    QTest::newRow("32-bit minimum") << "-2147483648" << "- - -2147483648 -2147483648 -2147483648 -";
-    QTest::newRow("below 32 bits") << "-2147483649" << "- - - -2147483649 -2147483649 -";
-    QTest::newRow("64-bit minimum") << "-9223372036854775808" << "- - - -9223372036854775808 -9.2233720368547758e+18 -";
-    QTest::newRow("below 64 bits") << "-9223372036854775809" << "- - - - -9.2233720368547758e+18 -";
-    QTest::newRow("fraction") << "1.5" << "- - - - 1.5 -";
-    QTest::newRow("exponent") << "-2e3" << "- - - - -2000 -";
-    QTest::newRow("true any case") << "TrUe" << "- - - - - 1";
-    QTest::newRow("false") << "false" << "- - - - - 0";
-    for (const char *bad : {"", "  ", "0x", "yes", "12abc", "0x1G", "1 2", "--1", "-", "- 1", "1,5"})
-        QTest::newRow(qPrintable(QStringLiteral("refused '%1'").arg(QLatin1String(bad)))) << bad << "- - - - - -";
-}
+    void typedReaders()
+    {
+        QFETCH(QString, reader);
+        QFETCH(QString, name);
+        QFETCH(qint64, value);
+        QFETCH(QString, errorText);
 
-void tst_PlatformXml::conversions()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, results);
+        QDomDocument doc;
+        QVERIFY(doc.setContent(QByteArray("<Root id=\"0x2000\" offset=\"-3\" size=\"big\">\n  <Good>0x10</Good>\n  <Bad>abc</Bad>\n"
+                                          "  <Neg> -5 </Neg>\n  <Empty/>\n  <Flag>true</Flag>\n</Root>\n")));
+        const QDomElement root = doc.documentElement();
+        QString error;
+        // The bool reader answers its default (true) on garbage; 7 marks that.
+        const qint64 result =
+            reader == QLatin1String("U32")     ? qint64(CDomDoc::existingSubElementAsU32(name, root, 7, &error))
+            : reader == QLatin1String("I32")   ? CDomDoc::existingSubElementAsI32(name, root, 7, &error)
+            : reader == QLatin1String("U64")   ? qint64(CDomDoc::existingSubElementAsU64(name, root, 7, &error))
+            : reader == QLatin1String("BOOL")  ? (!CDomDoc::existingSubElementAsBool(name, root, true, &error) ? 0 : error.isEmpty() ? 1 : 7)
+            : reader == QLatin1String("attrU32") ? qint64(CDomDoc::attributeAsU32(root, name, 7, &error))
+            : reader == QLatin1String("attrI32") ? CDomDoc::attributeAsI32(root, name, 7, &error)
+                                                 : CDomDoc::attributeAsI64(root, name, 7, &error); // attrI64
+        QCOMPARE(result, value);
+        QCOMPARE(error, errorText);
+    }
 
-    QStringList got;
-    // A refused text also reads as 0.
-    const auto add = [&got](bool ok, const QString &value) {
-        got << (ok ? value : value == QLatin1String("0") ? QStringLiteral("-") : QStringLiteral("refused, yet ") + value);
-    };
-    // The flag starts opposite to the expectation, so one left untouched shows.
-    const QStringList want = results.split(QLatin1Char(' '));
-    bool ok = false;
-    const auto prime = [&want, &ok](int i) { ok = want.value(i) == QLatin1String("-"); };
-    prime(0);
-    const quint32 u32 = CDomDoc::toU32(text, &ok);
-    add(ok, QString::number(u32));
-    prime(1);
-    const quint64 u64 = CDomDoc::toU64(text, &ok);
-    add(ok, QString::number(u64));
-    prime(2);
-    const qint32 i32 = CDomDoc::toI32(text, &ok);
-    add(ok, QString::number(i32));
-    prime(3);
-    const qint64 i64 = CDomDoc::toI64(text, &ok);
-    add(ok, QString::number(i64));
-    prime(4);
-    const double f64 = CDomDoc::toF64(text, &ok);
-    add(ok, QString::number(f64 + 0.0, 'g', 17)); // the sign of zero is no concern
-    prime(5);
-    const bool flag = CDomDoc::toBool(text, &ok);
-    add(ok, QString::number(int(flag)));
-    QCOMPARE(got.join(QLatin1Char(' ')), results);
-}
+    void stringReadersAndBuilders()
+    {
+        CDomDoc dom;
+        QDomElement root = dom.document().createElement(QStringLiteral("Root"));
+        dom.document().appendChild(root);
+        QCOMPARE(dom.documentElement().tagName(), QStringLiteral("Root"));
+        dom.addSubElement(root, QStringLiteral("Name"), QStringLiteral("first"));
+        dom.addSubElement(root, QStringLiteral("Name"), QStringLiteral("second"));
+        dom.addSubElement(root, QStringLiteral("Blank"));
+        root.setAttribute(QStringLiteral("kind"), QStringLiteral("k"));
 
-void tst_PlatformXml::typedReaders_data()
-{
-    QTest::addColumn<QString>("reader");
-    QTest::addColumn<QString>("name"); // sub-element tag or attribute name of <Root>
-    QTest::addColumn<qint64>("value");
-    QTest::addColumn<QString>("errorText");
+        const QString d = QStringLiteral("d");
+        const auto element = [&](const char *tag) { return CDomDoc::existingSubElementAsString(QLatin1String(tag), root, d); };
+        const auto attribute = [&](const char *name) { return CDomDoc::attributeAsString(root, QLatin1String(name), d); };
+        QCOMPARE(QStringList({element("Name"), element("Blank"), element("None"), attribute("kind"), attribute("none")}),
+                 QStringList({"first", "", "d", "k", "d"}));
 
-    const qint64 def = 7;
-    QTest::newRow("element hex") << "U32" << "Good" << Q_INT64_C(16) << QString();
-    QTest::newRow("element missing") << "U32" << "None" << def << QString();
-    QTest::newRow("element garbage")
-        << "U32" << "Bad" << def << QStringLiteral("Cannot convert 'abc' of <Bad> (line 3) to U32.");
-    QTest::newRow("element negative as unsigned")
-        << "U64" << "Neg" << def << QStringLiteral("Cannot convert ' -5 ' of <Neg> (line 4) to U64.");
-    QTest::newRow("element negative as I32") << "I32" << "Neg" << Q_INT64_C(-5) << QString();
-    QTest::newRow("element empty")
-        << "I32" << "Empty" << def << QStringLiteral("Cannot convert '' of <Empty> (line 5) to I32.");
-    QTest::newRow("element bool") << "BOOL" << "Flag" << Q_INT64_C(1) << QString();
-    QTest::newRow("element bool garbage")
-        << "BOOL" << "Bad" << def << QStringLiteral("Cannot convert 'abc' of <Bad> (line 3) to BOOL.");
-    QTest::newRow("attribute") << "attrU32" << "id" << Q_INT64_C(0x2000) << QString();
-    QTest::newRow("attribute missing") << "attrI64" << "none" << def << QString();
-    QTest::newRow("attribute negative") << "attrI32" << "offset" << Q_INT64_C(-3) << QString();
-    QTest::newRow("attribute garbage")
-        << "attrI64" << "size" << def << QStringLiteral("Cannot convert 'big' of <Root@size> (line 1) to I64.");
-    QTest::newRow("attribute out of range")
-        << "attrU32" << "offset" << def << QStringLiteral("Cannot convert '-3' of <Root@offset> (line 1) to U32.");
-}
-
-void tst_PlatformXml::typedReaders()
-{
-    QFETCH(QString, reader);
-    QFETCH(QString, name);
-    QFETCH(qint64, value);
-    QFETCH(QString, errorText);
-
-    QDomDocument doc;
-    QVERIFY(doc.setContent(QByteArray("<Root id=\"0x2000\" offset=\"-3\" size=\"big\">\n"
-                                      "  <Good>0x10</Good>\n"
-                                      "  <Bad>abc</Bad>\n"
-                                      "  <Neg> -5 </Neg>\n"
-                                      "  <Empty/>\n"
-                                      "  <Flag>true</Flag>\n"
-                                      "</Root>\n")));
-    const QDomElement root = doc.documentElement();
-
-    QString error;
-    qint64 result = 0;
-    if (reader == QLatin1String("U32"))
-        result = CDomDoc::existingSubElementAsU32(name, root, 7, &error);
-    else if (reader == QLatin1String("I32"))
-        result = CDomDoc::existingSubElementAsI32(name, root, 7, &error);
-    else if (reader == QLatin1String("U64"))
-        result = qint64(CDomDoc::existingSubElementAsU64(name, root, 7, &error));
-    else if (reader == QLatin1String("I64"))
-        result = CDomDoc::existingSubElementAsI64(name, root, 7, &error);
-    else if (reader == QLatin1String("BOOL"))
-        result = CDomDoc::existingSubElementAsBool(name, root, true, &error) ? (error.isEmpty() ? 1 : 7) : 0;
-    else if (reader == QLatin1String("attrU32"))
-        result = CDomDoc::attributeAsU32(root, name, 7, &error);
-    else if (reader == QLatin1String("attrI32"))
-        result = CDomDoc::attributeAsI32(root, name, 7, &error);
-    else if (reader == QLatin1String("attrI64"))
-        result = CDomDoc::attributeAsI64(root, name, 7, &error);
-    else
-        QFAIL("unknown reader");
-
-    QCOMPARE(result, value);
-    QCOMPARE(error, errorText);
-}
-
-void tst_PlatformXml::stringReadersAndBuilders()
-{
-    CDomDoc dom;
-    QDomElement root = dom.document().createElement(QStringLiteral("Root"));
-    dom.document().appendChild(root);
-    QCOMPARE(dom.documentElement().tagName(), QStringLiteral("Root"));
-
-    dom.addSubElement(root, QStringLiteral("Name"), QStringLiteral("first"));
-    dom.addSubElement(root, QStringLiteral("Name"), QStringLiteral("second"));
-    dom.addSubElement(root, QStringLiteral("Blank"));
-    root.setAttribute(QStringLiteral("kind"), QStringLiteral("k"));
-
-    QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("Name"), root, QStringLiteral("d")), QStringLiteral("first"));
-    QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("Blank"), root, QStringLiteral("d")), QString());
-    QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("None"), root, QStringLiteral("d")), QStringLiteral("d"));
-    QCOMPARE(CDomDoc::attributeAsString(root, QStringLiteral("kind"), QStringLiteral("d")), QStringLiteral("k"));
-    QCOMPARE(CDomDoc::attributeAsString(root, QStringLiteral("none"), QStringLiteral("d")), QStringLiteral("d"));
-
-    // findOrCreate and setSubElementText reuse the first element and replace its whole text.
-    QCOMPARE(dom.findOrCreateSubElement(root, QStringLiteral("Name")).text(), QStringLiteral("first"));
-    dom.setSubElementText(root, QStringLiteral("Name"), QStringLiteral("renamed"));
-    dom.setSubElementText(root, QStringLiteral("Fresh"), QStringLiteral("new"));
-    QCOMPARE(root.elementsByTagName(QStringLiteral("Name")).size(), 2);
-    QCOMPARE(root.firstChildElement(QStringLiteral("Name")).childNodes().size(), 1);
-    QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("Name"), root, QString()), QStringLiteral("renamed"));
-    QCOMPARE(CDomDoc::existingSubElementAsString(QStringLiteral("Fresh"), root, QString()), QStringLiteral("new"));
-    QVERIFY(!dom.findOrCreateSubElement(root, QStringLiteral("Other")).isNull());
-    QVERIFY(CDomDoc::hasSubElement(root, QStringLiteral("Other")));
-    QCOMPARE(root.ownerDocument(), dom.document());
-}
+        // findOrCreate and setSubElementText reuse the first element and replace its whole text.
+        QCOMPARE(dom.findOrCreateSubElement(root, QStringLiteral("Name")).text(), QStringLiteral("first"));
+        dom.setSubElementText(root, QStringLiteral("Name"), QStringLiteral("renamed"));
+        dom.setSubElementText(root, QStringLiteral("Fresh"), QStringLiteral("new"));
+        QCOMPARE(root.elementsByTagName(QStringLiteral("Name")).size(), 2);
+        QCOMPARE(root.firstChildElement(QStringLiteral("Name")).childNodes().size(), 1);
+        QCOMPARE(element("Name") + QLatin1Char(' ') + element("Fresh"), QStringLiteral("renamed new"));
+        QVERIFY(!dom.findOrCreateSubElement(root, QStringLiteral("Other")).isNull());
+        QVERIFY(CDomDoc::hasSubElement(root, QStringLiteral("Other")));
+        QCOMPARE(root.ownerDocument(), dom.document());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PlatformXml)
 #include "tst_platform_xml.moc"
