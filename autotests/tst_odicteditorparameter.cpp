@@ -1,5 +1,6 @@
 #include "COdictEditorObject.h"
 #include "COdictParameterObject.h"
+#include "streamcheck.h"
 
 #include <QDataStream>
 #include <QDebug>
@@ -19,14 +20,6 @@ COdictObject baseObject(NTypes::eTypes_t type, unsigned int size)
     return o;
 }
 
-template <typename T>
-QByteArray streamed(const T &object)
-{
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out << object;
-    return bytes;
-}
 
 // Every shortened copy of \a bytes fails to read.
 template <typename T>
@@ -69,7 +62,7 @@ private slots:
     {
         COdictEditorObject e(baseObject(NTypes::E_U16, 2));
         e.setDefString(QStringLiteral("A"));
-        const QByteArray bytes = streamed(e);
+        const QByteArray bytes = bigEndian(e);
         QCOMPARE(bytes.toHex(), QByteArray("00000002" "0041" "ffffffff" "ffffffff" "ffffffff" "ffffffff" "00000001"));
 
         COdictEditorObject read(baseObject(NTypes::E_I32, 4));
@@ -133,8 +126,8 @@ private slots:
         p.setError(-3);
         p.setValue(1, QVariant(qulonglong(7)));
         p.setValue(4, QVariant(QStringLiteral("x")));
-        const QByteArray base = streamed(static_cast<const COdictObject &>(p));
-        const QByteArray bytes = streamed(p);
+        const QByteArray base = bigEndian(static_cast<const COdictObject &>(p));
+        const QByteArray bytes = bigEndian(p);
         QVERIFY(bytes.startsWith(base));
         // error, count 2, then the highest index first
         QCOMPARE(bytes.mid(base.size(), 16).toHex(), QByteArray("fffffffd" "00000002" "00000004" "0000000a"));

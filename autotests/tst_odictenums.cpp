@@ -1,5 +1,6 @@
 #include "COdictObjectBitSet.h"
 #include "COdictObjectEnum.h"
+#include "streamcheck.h"
 
 #include <QDataStream>
 #include <QtTest>
@@ -8,24 +9,6 @@ namespace {
 
 using EnumEntry = COdictObjectEnum::sOdictObjectEnumData_t;
 using BitEntry = COdictObjectBitSet::sOdictObjectBitData_t;
-
-template <typename T>
-QString debugText(const T &value)
-{
-    QString text;
-    QDebug(&text) << value;
-    return text;
-}
-
-template <typename T>
-QByteArray bigEndian(const T &value)
-{
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out.setByteOrder(QDataStream::BigEndian);
-    out << value;
-    return bytes;
-}
 
 COdictObjectEnum makeEnum(const QList<EnumEntry> &entries)
 {
@@ -41,27 +24,6 @@ COdictObjectBitSet makeBitSet(const QList<BitEntry> &entries)
     for (const BitEntry &entry : entries)
         bitSet.insert(entry);
     return bitSet;
-}
-
-// Checks the bytes of \a value, reads them back over a stale \a read, and makes sure that every
-// shortened copy of the stream fails and leaves the target empty.
-template <typename T>
-void checkStream(const T &value, const QByteArray &expected, T read)
-{
-    const QByteArray bytes = bigEndian(value);
-    QCOMPARE(bytes.toHex(), expected.toHex());
-    QDataStream in(bytes);
-    in >> read;
-    QCOMPARE(in.status(), QDataStream::Ok);
-    QVERIFY(in.atEnd());
-    QCOMPARE(read, value);
-    for (int length = 0; length < bytes.size(); ++length) {
-        QDataStream cut(bytes.left(length));
-        T partial;
-        cut >> partial;
-        QVERIFY2(cut.status() != QDataStream::Ok, qPrintable(QString::number(length)));
-        QVERIFY(partial.isEmpty());
-    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "COdictObjectId.h"
 #include "COdictObjectName.h"
+#include "streamcheck.h"
 
 #include <QDataStream>
 #include <QHash>
@@ -14,38 +15,6 @@ namespace {
 
 constexpr uint none = 0xFFFFFFFFu;
 using Packed = NkrObjectIds::eObjectId_t;
-
-template <typename T>
-QString debugText(const T &value)
-{
-    QString text;
-    QDebug(&text) << value;
-    return text;
-}
-
-// Writes \a value big-endian, checks the bytes, reads them back and makes sure that every
-// shortened copy of the stream fails.
-template <typename T>
-void checkStream(const T &value, const QByteArray &hex)
-{
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out.setByteOrder(QDataStream::BigEndian);
-    out << value;
-    QCOMPARE(bytes.toHex(), hex);
-
-    QDataStream in(bytes);
-    T read;
-    in >> read;
-    QCOMPARE(in.status(), QDataStream::Ok);
-    QCOMPARE(read, value);
-    for (int length = 0; length < bytes.size(); ++length) {
-        QDataStream cut(bytes.left(length));
-        T partial;
-        cut >> partial;
-        QVERIFY2(cut.status() != QDataStream::Ok, qPrintable(QString::number(length)));
-    }
-}
 
 } // namespace
 
@@ -258,10 +227,10 @@ private slots:
 
     void streams()
     {
-        checkStream(COdictObjectId(0x2000u, 3u), "0000200000000003");
-        checkStream(COdictObjectId(0x2000u), "00002000ffffffff");
+        checkStream(COdictObjectId(0x2000u, 3u), QByteArray::fromHex("0000200000000003"));
+        checkStream(COdictObjectId(0x2000u), QByteArray::fromHex("00002000ffffffff"));
         // QString: byte length, then UTF-16; then the sub-id.
-        checkStream(COdictObjectName("Ab", 3u), "00000004" "00410062" "00000003");
+        checkStream(COdictObjectName("Ab", 3u), QByteArray::fromHex("00000004" "00410062" "00000003"));
     }
 
     void nameBasics()

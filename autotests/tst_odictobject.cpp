@@ -1,4 +1,5 @@
 #include "COdictObject.h"
+#include "streamcheck.h"
 
 #include <QDataStream>
 #include <QDebug>
@@ -8,9 +9,7 @@
 
 char *toString(const COdictObject &object)
 {
-    QString text;
-    QDebug(&text) << object;
-    return qstrdup(text.toUtf8().constData());
+    return qstrdup(debugText(object).toUtf8().constData());
 }
 
 namespace {
@@ -90,13 +89,6 @@ COdictObject xyObject(unsigned int size)
     return o;
 }
 
-QByteArray streamed(const COdictObject &object)
-{
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out << object;
-    return bytes;
-}
 
 } // namespace
 
@@ -422,7 +414,7 @@ private slots:
 
     void streamLayout()
     {
-        const QByteArray bytes = streamed(COdictObject());
+        const QByteArray bytes = bigEndian(COdictObject());
         const QByteArray head = QByteArray(16, '\0') // null reference id
             + QByteArray::fromHex("ffffffff" "ffffffff" // id, sub-id
                                   "0000" "00" "00" // version: build, minor, main
@@ -432,7 +424,7 @@ private slots:
         // The tail: usage 0, empty sub-id list, virtual flag off.
         QCOMPARE(bytes.right(9).toHex(), QByteArray("000000000000000000"));
 
-        const QByteArray full = streamed(makeObject());
+        const QByteArray full = bigEndian(makeObject());
         QCOMPARE(full.mid(24, 4).toHex(), QByteArray("002a1c01"));
         QCOMPARE(full.right(17).toHex(), QByteArray("00000082" "00000002" "00000001" "00000004" "01"));
     }
@@ -451,7 +443,7 @@ private slots:
     {
         QFETCH(COdictObject, object);
 
-        const QByteArray bytes = streamed(object);
+        const QByteArray bytes = bigEndian(object);
         QDataStream in(bytes);
         COdictObject read = makeObject();
         in >> read;
@@ -470,7 +462,7 @@ private slots:
     void garbageSubIdCountFails()
     {
         // A sub-id count of 0xFFFFFFFF with one entry behind it: the loop ends with the data.
-        QByteArray bytes = streamed(COdictObject());
+        QByteArray bytes = bigEndian(COdictObject());
         bytes.chop(5);
         bytes += QByteArray::fromHex("ffffffff" "00000001");
         QDataStream in(bytes);
