@@ -3,6 +3,7 @@
 #include "CStr.h"
 #include "CUnitParser.h"
 #include "CVariant.h"
+#include "conversioncheck.h"
 
 #include <QtTest>
 
@@ -186,20 +187,12 @@ private slots:
     {
         QFETCH(CVariant, value);
         QFETCH(QString, results);
-        // The flag starts opposite to the expectation, so one left untouched shows; a refused
-        // conversion must also answer 0.
-        const QStringList want = results.split(QLatin1Char(' '));
-        QStringList got;
-        const auto convert = [&](auto conversion) {
-            bool ok = want.value(got.size()) == QLatin1String("-");
-            const QString result = conversion(&ok);
-            got << (ok ? result : result == QLatin1String("0") ? QStringLiteral("-") : QStringLiteral("refused, yet ") + result);
-        };
-        convert([&](bool *ok) { return QString::number(value.toI64(ok)); });
-        convert([&](bool *ok) { return QString::number(value.toU64(ok)); });
-        convert([&](bool *ok) { return QString::number(value.toF64(ok), 'g', 17); });
-        convert([&](bool *ok) { return QString::number(int(value.toBool(ok))); });
-        QCOMPARE(got.join(QLatin1Char(' ')), results);
+        CConversionResults got(results);
+        got.add([&](bool *ok) { return QString::number(value.toI64(ok)); });
+        got.add([&](bool *ok) { return QString::number(value.toU64(ok)); });
+        got.add([&](bool *ok) { return QString::number(value.toF64(ok), 'g', 17); });
+        got.add([&](bool *ok) { return QString::number(int(value.toBool(ok))); });
+        QCOMPARE(got.text(), results);
     }
 
     void equality_data()

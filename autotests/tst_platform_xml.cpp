@@ -3,6 +3,7 @@
 #include "CStr.h"
 #include "CXMLMetaData.h"
 #include "CXmlAbstractKiroFile.h"
+#include "conversioncheck.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -369,23 +370,15 @@ private slots:
     {
         QFETCH(QString, text);
         QFETCH(QString, results);
-        // The flag starts opposite to the expectation, so one left untouched shows; a refused text
-        // must also read as 0.
-        const QStringList want = results.split(QLatin1Char(' '));
-        QStringList got;
-        const auto convert = [&](auto conversion) {
-            bool ok = want.value(got.size()) == QLatin1String("-");
-            const QString result = conversion(&ok);
-            got << (ok ? result : result == QLatin1String("0") ? QStringLiteral("-") : QStringLiteral("refused, yet ") + result);
-        };
-        convert([&](bool *ok) { return QString::number(CDomDoc::toU32(text, ok)); });
-        convert([&](bool *ok) { return QString::number(CDomDoc::toU64(text, ok)); });
-        convert([&](bool *ok) { return QString::number(CDomDoc::toI32(text, ok)); });
-        convert([&](bool *ok) { return QString::number(CDomDoc::toI64(text, ok)); });
+        CConversionResults got(results);
+        got.add([&](bool *ok) { return QString::number(CDomDoc::toU32(text, ok)); });
+        got.add([&](bool *ok) { return QString::number(CDomDoc::toU64(text, ok)); });
+        got.add([&](bool *ok) { return QString::number(CDomDoc::toI32(text, ok)); });
+        got.add([&](bool *ok) { return QString::number(CDomDoc::toI64(text, ok)); });
         // + 0.0: the sign of zero is no concern
-        convert([&](bool *ok) { return QString::number(CDomDoc::toF64(text, ok) + 0.0, 'g', 17); });
-        convert([&](bool *ok) { return QString::number(int(CDomDoc::toBool(text, ok))); });
-        QCOMPARE(got.join(QLatin1Char(' ')), results);
+        got.add([&](bool *ok) { return QString::number(CDomDoc::toF64(text, ok) + 0.0, 'g', 17); });
+        got.add([&](bool *ok) { return QString::number(int(CDomDoc::toBool(text, ok))); });
+        QCOMPARE(got.text(), results);
     }
 
     void typedReaders_data()

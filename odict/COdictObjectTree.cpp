@@ -11,6 +11,36 @@
 
 using namespace NkrOdict;
 
+namespace {
+
+enum eVisit_t { E_DESCEND, E_SKIP_CHILDREN, E_STOP };
+
+/// Walks \a top and its descendants pre-order (a node before its children, children in order)
+/// with a work list instead of recursion, so any nesting depth is safe. \a visit tells for each
+/// node whether to go into its children, skip them, or stop; the node that stopped the walk is
+/// returned (null when none did).
+template <class Visit>
+COdictNode *walkPreOrder(COdictNode *top, Visit visit)
+{
+    if (!top)
+        return nullptr;
+    QVector<COdictNode *> pending{top};
+    while (!pending.isEmpty()) {
+        COdictNode *current = pending.takeLast();
+        const eVisit_t next = visit(current);
+        if (next == E_STOP)
+            return current;
+        if (next == E_SKIP_CHILDREN)
+            continue;
+        const QList<COdictNode *> children = current->children();
+        for (int i = children.size() - 1; i >= 0; --i) // reversed, so the first child comes first
+            pending.append(children.at(i));
+    }
+    return nullptr;
+}
+
+} // namespace
+
 COdictObjectTree::COdictObjectTree(eObjectType_t kind, ICLogfile *log, QObject *parent)
     : QObject(parent)
     , m_kind(kind)
@@ -93,38 +123,25 @@ COdictObject *COdictObjectTree::objectPtr(const COdictObjectName &name) const
 
 COdictNode *COdictObjectTree::findNodeByRefId(const QUuid &refId) const
 {
-    QVector<COdictNode *> pending{m_root};
-    while (!pending.isEmpty()) {
-        COdictNode *current = pending.takeLast();
-        if (current->dataRef().refId() == refId)
-            return current;
-        const QList<COdictNode *> children = current->children();
-        for (int i = children.size() - 1; i >= 0; --i) // reversed, so the first child is taken first
-            pending.append(children.at(i));
-    }
-    return nullptr;
+    return walkPreOrder(m_root, [&refId](const COdictNode *node) {
+        return node->dataRef().refId() == refId ? E_STOP : E_DESCEND;
+    });
 }
 
 COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *from) const
 {
     if (name.isEmpty())
         return nullptr; // the root and unnamed nodes are not addressable by name
-    QVector<COdictNode *> pending{from ? from : m_root};
-    while (!pending.isEmpty()) {
-        COdictNode *current = pending.takeLast();
-        if (current->childCount() == 0)
-            continue; // nodes without children never match, so objects and empty groups are skipped
-        if (current->dataRef().name() == name)
-            return current;
+    COdictNode *top = from ? from : m_root;
+    return walkPreOrder(top, [&name, top](const COdictNode *node) {
         // Only groups are searched, plus the dictionary node that holds the top-level groups.
-        const QList<COdictNode *> children = current->children();
-        for (int i = children.size() - 1; i >= 0; --i) {
-            const eItemType_t type = children.at(i)->dataRef().type();
-            if (type == E_IT_GROUP || type == E_IT_DICTIONARY)
-                pending.append(children.at(i));
-        }
-    }
-    return nullptr;
+        const eItemType_t type = node->dataRef().type();
+        if (node != top && type != E_IT_GROUP && type != E_IT_DICTIONARY)
+            return E_SKIP_CHILDREN;
+        if (node->childCount() == 0)
+            return E_SKIP_CHILDREN; // nodes without children never match: empty groups are skipped
+        return node->dataRef().name() == name ? E_STOP : E_DESCEND;
+    });
 }
 
 unsigned int COdictObjectTree::highestId() const
@@ -270,31 +287,21 @@ COdictNode *COdictObjectTree::createObjectNode(const COdictParameterObject &obje
 
 void COdictObjectTree::indexSubtree(COdictNode *node)
 {
-    if (!node)
-        return;
-    QVector<COdictNode *> pending{node};
-    while (!pending.isEmpty()) {
-        COdictNode *current = pending.takeLast();
+    // Pre-order, as the nodes were registered: of nodes sharing a name, the later one keeps the
+    // name index entry, as in the tree that was copied.
+    walkPreOrder(node, [this](COdictNode *current) {
         const COdictItem &item = current->dataRef();
         if (item.isObjectItem() && item.hasObject()) {
             m_idIndex.insert(item.objectPtr()->uniqueId(), current);
             m_nameIndex.insert(item.objectPtr()->uniqueName(), current);
         }
-        // Pre-order, as the nodes were registered: of nodes sharing a name, the later one keeps
-        // the name index entry, as in the tree that was copied.
-        const QList<COdictNode *> children = current->children();
-        for (int i = children.size() - 1; i >= 0; --i)
-            pending.append(children.at(i));
-    }
+        return E_DESCEND;
+    });
 }
 
 void COdictObjectTree::unindexSubtree(COdictNode *node)
 {
-    if (!node)
-        return;
-    QVector<COdictNode *> pending{node};
-    while (!pending.isEmpty()) {
-        COdictNode *current = pending.takeLast();
+    walkPreOrder(node, [this](COdictNode *current) {
         const COdictItem &item = current->dataRef();
         if (item.isObjectItem() && item.hasObject()) {
             const COdictObjectId uid = item.objectPtr()->uniqueId();
@@ -302,10 +309,8 @@ void COdictObjectTree::unindexSubtree(COdictNode *node)
                 m_idIndex.remove(uid);
             removeName(item.objectPtr()->uniqueName(), current);
         }
-        const QList<COdictNode *> children = current->children();
-        for (COdictNode *child : children)
-            pending.append(child);
-    }
+        return E_DESCEND;
+    });
 }
 
 void COdictObjectTree::removeName(const COdictObjectName &name, const COdictNode *node)

@@ -47,7 +47,7 @@ int runNarrow(const QStringList &arguments)
     }
 
     CMemoryLogfile log;
-    const auto dictionary = loadEditorDictionary(parser.positionalArguments().at(0), &log);
+    const auto dictionary = loadDictionaryFile(parser.positionalArguments().at(0), &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
 

@@ -33,7 +33,7 @@ int runExport(const QStringList &arguments)
         return E_EXIT_USAGE;
     }
     CMemoryLogfile log;
-    const auto dictionary = loadEditorDictionary(parser.positionalArguments().at(1), &log);
+    const auto dictionary = loadDictionaryFile(parser.positionalArguments().at(1), &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
 

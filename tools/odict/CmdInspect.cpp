@@ -89,7 +89,7 @@ int runInfo(const QStringList &arguments)
         return E_EXIT_USAGE;
     const QString file = parser.positionalArguments().at(0);
     CMemoryLogfile log;
-    const auto dictionary = loadEditorDictionary(file, &log);
+    const auto dictionary = loadDictionaryFile(file, &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
 
@@ -153,7 +153,7 @@ int runCheck(const QStringList &arguments)
         return E_EXIT_USAGE;
     const QString file = parser.positionalArguments().at(0);
     CMemoryLogfile log;
-    const auto dictionary = loadEditorDictionary(file, &log);
+    const auto dictionary = loadDictionaryFile(file, &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
     int problems = 0;
@@ -176,7 +176,7 @@ int runSave(const QStringList &arguments)
     if (!parseArguments(parser, arguments, 2))
         return E_EXIT_USAGE;
     CMemoryLogfile log;
-    const auto dictionary = loadEditorDictionary(parser.positionalArguments().at(0), &log);
+    const auto dictionary = loadDictionaryFile(parser.positionalArguments().at(0), &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
     const QString target = parser.positionalArguments().at(1);

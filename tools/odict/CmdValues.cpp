@@ -2,8 +2,8 @@
 #include "Commands.h"
 
 #include <CMemoryLogfile.h>
-#include <COdict.h>
 #include <COdictDataFile.h>
+#include <COdictEdit.h>
 #include <COdictParameterObject.h>
 #include <COdictValueObject.h>
 
@@ -11,21 +11,6 @@
 #include <QCoreApplication>
 
 namespace {
-
-std::unique_ptr<COdict> loadDictionary(const QString &file, NkrOdict::eObjectType_t kind)
-{
-    auto dictionary = std::make_unique<COdict>(kind);
-    // Parameter dictionaries are read from dictionary files here, not from parameter-set files.
-    const int result = kind == NkrOdict::E_OT_PARAMETER ? (dictionary->loadParameterDictionary(file), dictionary->isValid() ? 0 : 1)
-                                                        : dictionary->loadDictionary(file);
-    if (result != 0) {
-        const QStringList reasons = dictionary->warningMessages();
-        err() << "odict: cannot open '" << file << "'"
-              << (reasons.isEmpty() ? QString() : QStringLiteral(": ") + reasons.last()) << '\n';
-        return nullptr;
-    }
-    return dictionary;
-}
 
 QString key(const COdictObjectId &uid)
 {
@@ -149,7 +134,8 @@ int runValues(const QStringList &arguments)
         return parser.isSet(QStringLiteral("help")) ? E_EXIT_OK : E_EXIT_USAGE;
     }
     const bool parameters = parser.isSet(QStringLiteral("parameters"));
-    const auto dictionary = loadDictionary(positional.at(1), parameters ? NkrOdict::E_OT_PARAMETER : NkrOdict::E_OT_VALUE);
+    CMemoryLogfile log;
+    const auto dictionary = loadDictionaryFile(positional.at(1), &log, parameters ? NkrOdict::E_OT_PARAMETER : NkrOdict::E_OT_VALUE);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
     return isExport ? exportValues(*dictionary, parser.value(QStringLiteral("output")), parameters, sets)

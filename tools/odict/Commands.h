@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <QTextStream>
 
+#include <NkrOdict.h>
+
 #include <memory>
 
 class COdictEdit;
@@ -33,8 +35,10 @@ QTextStream &err();
 /// arguments; prints the problem and answers false when they do not fit.
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int positionals);
 
-/// Loads an editor dictionary; null (with the reason printed) when the file cannot be opened.
-std::unique_ptr<COdictEdit> loadEditorDictionary(const QString &file, CMemoryLogfile *log);
+/// Loads a dictionary file into a dictionary of \a kind; null (with the reason printed) when the
+/// file cannot be opened.
+std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfile *log,
+                                               NkrOdict::eObjectType_t kind = NkrOdict::E_OT_EDITOR);
 
 /// The date the exporters write: SOURCE_DATE_EPOCH when it is set (reproducible builds), else today.
 class QDate;

@@ -27,13 +27,16 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, in
     return true;
 }
 
-std::unique_ptr<COdictEdit> loadEditorDictionary(const QString &file, CMemoryLogfile *log)
+std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfile *log, NkrOdict::eObjectType_t kind)
 {
-    auto dictionary = std::make_unique<COdictEdit>(NkrOdict::E_OT_EDITOR);
+    auto dictionary = std::make_unique<COdictEdit>(kind);
     dictionary->setLogfile(log);
     if (log)
         log->clear(); // the creation message is not about the file
-    if (dictionary->loadDictionary(file) != 0) {
+    // Parameter dictionaries are read from dictionary files here, not from parameter-set files.
+    const int result = kind == NkrOdict::E_OT_PARAMETER ? dictionary->loadParameterDictionary(file)
+                                                        : dictionary->loadDictionary(file);
+    if (result != 0) {
         const QStringList reasons = dictionary->warningMessages();
         err() << "odict: cannot open '" << file << "'"
               << (reasons.isEmpty() ? QString() : QStringLiteral(": ") + reasons.last()) << '\n';
