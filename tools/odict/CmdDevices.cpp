@@ -3,6 +3,7 @@
 
 #include <CDatabaseDeviceData.h>
 #include <CDeviceData.h>
+#include <CDeviceDatabaseBuilder.h>
 #include <CMemoryLogfile.h>
 #include <COdictEdit.h>
 #include <CPath.h>
@@ -11,9 +12,6 @@
 #include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QUuid>
 
 #include <memory>
@@ -82,37 +80,6 @@ int runNarrow(const QStringList &arguments)
     return complete ? E_EXIT_OK : E_EXIT_WARNINGS;
 }
 
-namespace {
-
-/// Runs the statements of an SQL script (separated by ';' at the end of a line) in one transaction.
-bool runScript(QSqlDatabase &db, const QString &script, QString *error)
-{
-    if (!db.transaction()) {
-        *error = db.lastError().text();
-        return false;
-    }
-    QString statement;
-    const QStringList lines = script.split(QLatin1Char('\n'));
-    for (const QString &line : lines) {
-        const QString trimmed = line.trimmed();
-        if (trimmed.isEmpty() || trimmed.startsWith(QLatin1String("--")))
-            continue;
-        statement += line + QLatin1Char('\n');
-        if (!trimmed.endsWith(QLatin1Char(';')))
-            continue;
-        QSqlQuery query(db);
-        if (!query.exec(statement)) {
-            *error = query.lastError().text() + QStringLiteral(" in: ") + statement.trimmed();
-            db.rollback();
-            return false;
-        }
-        statement.clear();
-    }
-    return db.commit();
-}
-
-} // namespace
-
 int runDevices(const QStringList &arguments)
 {
     QCommandLineParser parser;
@@ -129,34 +96,20 @@ int runDevices(const QStringList &arguments)
         return E_EXIT_USAGE;
     }
     QFile source(parser.positionalArguments().at(1));
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        err() << "odict: cannot read '" << source.fileName() << "'\n";
+    if (!source.open(QIODevice::ReadOnly)) {
+        err() << "odict: cannot open '" << source.fileName() << "': " << source.errorString() << '\n';
         return E_EXIT_NOT_OPENED;
     }
-    const QString script = QString::fromUtf8(source.readAll());
     const QString target = parser.value(QStringLiteral("output"));
-    const QString scratch = target + QStringLiteral(".part");
-    QFile::remove(scratch);
-    QString error;
-    bool done = false;
-    const QString connection = QUuid::createUuid().toString();
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-        db.setDatabaseName(scratch);
-        done = db.open() && runScript(db, script, &error);
-        if (!db.isOpen())
-            error = db.lastError().text();
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(connection);
-    // The database appears under its name only when it was built completely.
-    if (done) {
-        QFile::remove(target);
-        done = QFile::rename(scratch, target);
-    }
-    QFile::remove(scratch);
-    if (!done) {
-        err() << "odict: cannot build '" << target << "': " << error << '\n';
+    CDeviceDatabaseBuilder builder;
+    switch (builder.build(QString::fromUtf8(source.readAll()), target)) {
+    case CDeviceDatabaseBuilder::E_BUILD_OK:
+        break;
+    case CDeviceDatabaseBuilder::E_BUILD_SCRIPT_FAILED:
+        err() << "odict: " << source.fileName() << ": " << builder.lastError() << '\n';
+        return E_EXIT_NOT_OPENED;
+    case CDeviceDatabaseBuilder::E_BUILD_NOT_WRITTEN:
+        err() << "odict: " << builder.lastError() << '\n';
         return E_EXIT_NOT_OPENED;
     }
     out() << "built " << target << '\n';
