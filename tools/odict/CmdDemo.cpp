@@ -467,10 +467,8 @@ int runDemo(const QStringList &arguments)
         return E_EXIT_WARNINGS;
     }
     const QString target = parser.positionalArguments().at(0);
-    if (dictionary.saveDictionary(target) != 0) {
-        err() << "odict: cannot write '" << target << "'\n";
-        return E_EXIT_NOT_OPENED;
-    }
+    if (dictionary.saveDictionary(target) != 0)
+        return writeFailed(target);
     out() << "wrote " << target << " (" << dictionary.allObjectUIds().size() << " objects and sub-objects)\n";
     return E_EXIT_OK;
 }
