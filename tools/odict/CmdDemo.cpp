@@ -447,7 +447,9 @@ void buildDemo(COdictEdit &dict, CDemoBuilder &b)
 int runDemo(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Writes the demo dictionary (examples/demo_drive.xml) from its definition in code."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Writes the demo dictionary (examples/demo_drive.xml) from its definition in code.\n"
+        "Exit status: 0 written, 1 some demo objects were refused (nothing written), 2 not written."));
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
     if (!parseArguments(parser, arguments, 1))
         return E_EXIT_USAGE;

@@ -20,9 +20,10 @@ int runNarrow(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Narrows selections and limits of a dictionary to one device of the device database and "
-        "saves the result.\nExit status: 0 done, 1 some objects were missing or the input has warnings "
-        "(the result is still saved), 2 a file or the device could not be found or written."));
+        "Narrows selections and limits of a dictionary to one device of the device database and\n"
+        "saves the result.\n"
+        "Exit status: 0 done, 1 some objects were missing or the input has warnings (the result is\n"
+        "still saved), 2 a file or the device could not be found or written."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     // --version was the firmware version's first name; it stays readable but out of sight, because
     // it reads like the tool's own --version.
@@ -102,7 +103,8 @@ int runDevices(const QStringList &arguments)
         "Builds the SQLite device database from an SQL source such as examples/devices.sql:\n"
         "  odict devices build examples/devices.sql -o mx8dd.db\n"
         "The database is replaced only when the whole script ran.\n"
-        "Exit status: 0 built, 2 the source could not be read, a statement failed, or the database could not be written."));
+        "Exit status: 0 built, 2 the source could not be read, a statement failed, or the database\n"
+        "could not be written."));
     parser.addPositionalArgument(QStringLiteral("build"), QStringLiteral("The action (build)."));
     parser.addPositionalArgument(QStringLiteral("SQL"), QStringLiteral("The SQL source."));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("The database file to write."), QStringLiteral("DB")});
