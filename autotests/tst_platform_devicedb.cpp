@@ -1,5 +1,6 @@
 #include "CDataTypeParser.h"
 #include "CDatabaseDeviceData.h"
+#include "CDeviceDatabaseBuilder.h"
 
 #include <QDir>
 #include <QSqlDatabase>
@@ -161,6 +162,86 @@ private slots:
         // The file is neither created nor changed.
         QCOMPARE(QFileInfo::exists(path), existed);
         QCOMPARE(contents(), before);
+    }
+
+    void build_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<int>("result");
+        // Success: the text of property 1 of device "D" at version 5. Failure: the start of lastError().
+        QTest::addColumn<QString>("expected");
+
+        const QString schema = kDeviceTable + QStringLiteral(";\n") + kPropertyTable + QStringLiteral(";\n");
+        const QString device = QStringLiteral("INSERT INTO device VALUES (1, 'D', 0, 10);\n");
+        const auto property = [](const char *value) {
+            return QStringLiteral("INSERT INTO property VALUES (1, 1, 0, %1, '%2');\n").arg(NTypes::E_VSTRING).arg(QLatin1String(value));
+        };
+        QTest::newRow("trigger") << schema + QStringLiteral(
+            "CREATE TRIGGER fill AFTER INSERT ON device BEGIN\n"
+            "  INSERT INTO property VALUES (new.id, 1, 0, 14, 'from the trigger');\n"
+            "END;\n") + device << int(CDeviceDatabaseBuilder::E_BUILD_OK) << QStringLiteral("from the trigger");
+        QTest::newRow("';' inside a string, also at a line's end")
+            << schema + device + property("a;\nb;") << int(CDeviceDatabaseBuilder::E_BUILD_OK) << QStringLiteral("a;\nb;");
+        QTest::newRow("queries, comments, no final ';'")
+            << QStringLiteral("-- source\n/* ; */ ") + schema + QStringLiteral("SELECT 1; SELECT 2;\n") + device + property("x").chopped(2)
+            << int(CDeviceDatabaseBuilder::E_BUILD_OK) << QStringLiteral("x");
+        QTest::newRow("syntax error") << schema + device + QStringLiteral("-- next\n\nINSERT INTO property VALUE (1);\n")
+                                      << int(CDeviceDatabaseBuilder::E_BUILD_SCRIPT_FAILED) << QStringLiteral("line 6: near \"VALUE\"");
+        QTest::newRow("constraint after a comment") << schema + device + property("x") + QStringLiteral("-- again\n") + property("y")
+                                                    << int(CDeviceDatabaseBuilder::E_BUILD_SCRIPT_FAILED) << QStringLiteral("line 6: UNIQUE constraint failed");
+        QTest::newRow("attaching another file") << QStringLiteral("ATTACH '%1' AS other;").arg(m_dir.filePath(QStringLiteral("attached.db")))
+                                                << int(CDeviceDatabaseBuilder::E_BUILD_SCRIPT_FAILED) << QStringLiteral("line 1: ");
+    }
+
+    void build()
+    {
+        QFETCH(QString, script);
+        QFETCH(int, result);
+        QFETCH(QString, expected);
+        QTemporaryDir dir;
+        const QString target = dir.filePath(QStringLiteral("built.db"));
+        // An older database stands at the target; it must be replaced whole or not at all.
+        QFile::copy(m_database, target);
+        const QByteArray before = [&target] { QFile f(target); return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray(); }();
+        QVERIFY(!before.isEmpty());
+
+        CDeviceDatabaseBuilder builder;
+        QCOMPARE(int(builder.build(script, target)), result);
+        // No temporary file is left beside the target.
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("built.db")});
+        if (result != CDeviceDatabaseBuilder::E_BUILD_OK) {
+            QVERIFY2(builder.lastError().startsWith(expected), qPrintable(builder.lastError()));
+            QFile file(target);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QVERIFY(file.readAll() == before);
+            QVERIFY(!QFileInfo::exists(m_dir.filePath(QStringLiteral("attached.db"))));
+            return;
+        }
+        QVERIFY(builder.lastError().isEmpty());
+        CDatabaseDeviceData database;
+        QVERIFY2(database.openDatabase(target, QStringLiteral("built")), qPrintable(database.lastError()));
+        NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_NOT_OPEN;
+        const std::unique_ptr<CDeviceData> data(database.data(NTypes::uVersion_t(5), QStringLiteral("D"), state));
+        QVERIFY(data);
+        QCOMPARE(data->value(1).toStr(), expected);
+    }
+
+    void buildIntoAnUnwritablePlace_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::newRow("below a regular file") << m_database + QStringLiteral("/built.db"); // refused even to root
+        QTest::newRow("a directory") << m_dir.path();
+        QTest::newRow("a missing directory") << m_dir.filePath(QStringLiteral("missing/built.db"));
+    }
+
+    void buildIntoAnUnwritablePlace()
+    {
+        QFETCH(QString, target);
+        const QStringList before = QDir(m_dir.path()).entryList(QDir::AllEntries | QDir::Hidden);
+        CDeviceDatabaseBuilder builder;
+        QCOMPARE(builder.build(kDeviceTable, target), CDeviceDatabaseBuilder::E_BUILD_NOT_WRITTEN);
+        QVERIFY2(builder.lastError().startsWith(QStringLiteral("cannot write '%1': ").arg(target)), qPrintable(builder.lastError()));
+        QCOMPARE(QDir(m_dir.path()).entryList(QDir::AllEntries | QDir::Hidden), before);
     }
 
     void connections()

@@ -19,4 +19,4 @@ run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G ${GENERATOR}
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Release ${flags})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 set(env_path "${prefix}/lib:${prefix}/lib/x86_64-linux-gnu")
-run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${env_path} ${WORK_DIR}/build/consumer)
+run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${env_path} ${WORK_DIR}/build/consumer ${DEMO})

@@ -447,7 +447,9 @@ void buildDemo(COdictEdit &dict, CDemoBuilder &b)
 int runDemo(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Writes the demo dictionary (examples/demo_drive.xml) from its definition in code."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Writes the demo dictionary (examples/demo_drive.xml) from its definition in code.\n"
+        "Exit status: 0 written, 1 some demo objects were refused (nothing written), 2 not written."));
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
     if (!parseArguments(parser, arguments, 1))
         return E_EXIT_USAGE;
@@ -467,10 +469,8 @@ int runDemo(const QStringList &arguments)
         return E_EXIT_WARNINGS;
     }
     const QString target = parser.positionalArguments().at(0);
-    if (dictionary.saveDictionary(target) != 0) {
-        err() << "odict: cannot write '" << target << "'\n";
-        return E_EXIT_NOT_OPENED;
-    }
+    if (dictionary.saveDictionary(target) != 0)
+        return writeFailed(target);
     out() << "wrote " << target << " (" << dictionary.allObjectUIds().size() << " objects and sub-objects)\n";
     return E_EXIT_OK;
 }

@@ -20,7 +20,9 @@ int runExport(const QStringList &arguments)
         "  odict export header FILE -o OUT.h        the firmware's object table header\n"
         "  odict export ids FILE -o DIR             NkrObjectIds.h, the enumeration of all object ids\n"
         "  odict export translation FILE -o DIR     NkrOdictTranslate.h, the display names for translation\n"
-        "The date in the files is today, or the day of SOURCE_DATE_EPOCH when that is set."));
+        "The date in the files is today, or the day of SOURCE_DATE_EPOCH when that is set; the header\n"
+        "writes it in the short date format of the locale (LC_ALL).\n"
+        "Exit status: 0 written, 1 written but the input has warnings, 2 not read or not written."));
     parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids or translation."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("Output file (header) or directory."), QStringLiteral("OUT")});
@@ -28,10 +30,10 @@ int runExport(const QStringList &arguments)
         return E_EXIT_USAGE;
     const QString kind = parser.positionalArguments().at(0);
     const QString output = parser.value(QStringLiteral("output"));
-    if (output.isEmpty() || (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation"))) {
-        err() << "odict: usage: odict export header|ids|translation FILE -o OUT\n";
-        return E_EXIT_USAGE;
-    }
+    if (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation"))
+        return usageError(parser, QStringLiteral("unknown export kind '%1'").arg(kind));
+    if (output.isEmpty())
+        return usageError(parser, QStringLiteral("export needs -o OUT"));
     CMemoryLogfile log;
     const auto dictionary = loadDictionaryFile(parser.positionalArguments().at(1), &log);
     if (!dictionary)
@@ -58,10 +60,8 @@ int runExport(const QStringList &arguments)
         written = exporter.exportToTranslate(output);
         target = QDir(output).filePath(QStringLiteral("NkrOdictTranslate.h"));
     }
-    if (!written) {
-        err() << "odict: cannot write '" << target << "'\n";
-        return E_EXIT_NOT_OPENED;
-    }
+    if (!written)
+        return writeFailed(target);
     out() << "wrote " << target << '\n';
-    return E_EXIT_OK;
+    return loadFindings(log, parser.positionalArguments().at(1));
 }

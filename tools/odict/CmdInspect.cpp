@@ -83,7 +83,8 @@ const char *severityText(NkrLogfiles::eSeverity_t severity)
 int runInfo(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Prints a summary of a dictionary file."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Prints a summary of a dictionary file.\nExit status: 0 done, 1 the file has warnings, 2 not read."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     if (!parseArguments(parser, arguments, 1))
         return E_EXIT_USAGE;
@@ -136,10 +137,10 @@ int runInfo(const QStringList &arguments)
                      .arg(it.value().second, 4, 16, QLatin1Char('0'))
                      .arg(QLatin1String(ranges[it.key()].label));
     }
-    const int warnings = dictionary->warningMessages().size();
+    const int warnings = findingCount(log);
     if (warnings > 0)
         out() << "warnings:      " << warnings << " (run 'odict check' to list them)\n";
-    return E_EXIT_OK;
+    return warnings > 0 ? E_EXIT_WARNINGS : E_EXIT_OK;
 }
 
 int runCheck(const QStringList &arguments)
@@ -147,7 +148,7 @@ int runCheck(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Loads a dictionary file and prints every warning and critical message.\n"
-        "Exit status: 0 clean, 1 with warnings or critical messages, 2 not opened."));
+        "Exit status: 0 clean, 1 with warnings or critical messages, 2 not read."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     if (!parseArguments(parser, arguments, 1))
         return E_EXIT_USAGE;
@@ -170,7 +171,9 @@ int runCheck(const QStringList &arguments)
 int runSave(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Loads a dictionary file and saves it again, normalised."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Loads a dictionary file and saves it again, normalised.\n"
+        "Exit status: 0 saved, 1 saved but the input has warnings, 2 not read or not written."));
     parser.addPositionalArgument(QStringLiteral("IN"), QStringLiteral("The dictionary file to read."));
     parser.addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
     if (!parseArguments(parser, arguments, 2))
@@ -179,11 +182,18 @@ int runSave(const QStringList &arguments)
     const auto dictionary = loadDictionaryFile(parser.positionalArguments().at(0), &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
+    const int findings = loadFindings(log, parser.positionalArguments().at(0));
     const QString target = parser.positionalArguments().at(1);
+    const int logged = log.entries().size();
     if (dictionary->saveDictionary(target) != 0) {
-        err() << "odict: cannot write '" << target << "'\n";
-        return E_EXIT_WARNINGS;
+        // The library's own reason, when it logs one, is the one to show.
+        QString reason;
+        for (int i = logged; i < log.entries().size(); ++i) {
+            if (log.entries().at(i).severity != NkrLogfiles::E_SEV_INFO)
+                reason = log.entries().at(i).text;
+        }
+        return writeFailed(target, reason);
     }
     out() << "saved " << target << '\n';
-    return E_EXIT_OK;
+    return findings;
 }

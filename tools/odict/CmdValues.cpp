@@ -46,10 +46,8 @@ int exportValues(const COdict &dictionary, const QString &output, bool parameter
         count = objects.size();
         saved = file.saveValues(output, objects, QStringLiteral("odict"), version);
     }
-    if (!saved) {
-        err() << "odict: cannot write '" << output << "'\n";
-        return E_EXIT_NOT_OPENED;
-    }
+    if (!saved)
+        return writeFailed(output);
     out() << "wrote " << count << (parameters ? " parameter objects" : " values") << " (defaults) to " << output << '\n';
     return E_EXIT_OK;
 }
@@ -93,7 +91,7 @@ int importValues(const COdict &dictionary, const QString &input, bool parameters
         }
     }
     if (!readable && records == 0) {
-        err() << "odict: cannot read '" << input << "': " << error << '\n';
+        err() << "odict: " << fileError(QStringLiteral("cannot read"), input, error) << '\n';
         return E_EXIT_NOT_OPENED;
     }
     out() << records << " records, " << unknown << " not in the dictionary"
@@ -110,34 +108,39 @@ int runValues(const QStringList &arguments)
         "Data files of current values or parameter sets for a dictionary:\n"
         "  odict values export DICT -o DATA [--parameters [--sets N]]   writes the default values\n"
         "  odict values import DICT DATA [--parameters]                 lists the values of a data file\n"
-        "Exit status of import: 0 all records known and readable, 1 otherwise, 2 not opened."));
+        "Exit status: 0 done, 1 import found unknown or unreadable records (or the dictionary has\n"
+        "warnings), 2 a file could not be read or written."));
     parser.addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("export or import."));
     parser.addPositionalArgument(QStringLiteral("DICT"), QStringLiteral("The dictionary file."));
+    parser.addPositionalArgument(QStringLiteral("DATA"), QStringLiteral("The data file to read (import)."), QStringLiteral("[DATA]"));
     parser.addOptions({
         {{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("The data file to write (export)."), QStringLiteral("DATA")},
         {QStringLiteral("parameters"), QStringLiteral("Parameter sets instead of current values.")},
         {QStringLiteral("sets"), QStringLiteral("Number of parameter sets to fill (export, 1..63)."), QStringLiteral("N"), QStringLiteral("1")},
     });
-    parser.addHelpOption();
-    if (!parser.parse(arguments)) {
-        err() << "odict: " << parser.errorText() << '\n';
+    if (!parseArguments(parser, arguments, 2, 3))
         return E_EXIT_USAGE;
-    }
     const QStringList positional = parser.positionalArguments();
-    const bool isExport = positional.size() == 2 && positional.at(0) == QLatin1String("export");
-    const bool isImport = positional.size() == 3 && positional.at(0) == QLatin1String("import");
+    const QString action = positional.at(0);
+    const bool isExport = action == QLatin1String("export");
+    if (!isExport && action != QLatin1String("import"))
+        return usageError(parser, QStringLiteral("unknown values action '%1'").arg(action));
+    if (positional.size() != (isExport ? 2 : 3))
+        return usageError(parser, isExport ? QStringLiteral("values export takes DICT and -o DATA")
+                                           : QStringLiteral("values import takes DICT and DATA"));
+    if (isExport && !parser.isSet(QStringLiteral("output")))
+        return usageError(parser, QStringLiteral("values export needs -o DATA"));
     bool setsOk = false;
     const int sets = parser.value(QStringLiteral("sets")).toInt(&setsOk);
-    if (parser.isSet(QStringLiteral("help")) || (!isExport && !isImport) || (isExport && !parser.isSet(QStringLiteral("output")))
-        || !setsOk || sets < 1 || sets > 63) {
-        (parser.isSet(QStringLiteral("help")) ? out() : err()) << parser.helpText();
-        return parser.isSet(QStringLiteral("help")) ? E_EXIT_OK : E_EXIT_USAGE;
-    }
+    if (!setsOk || sets < 1 || sets > 63)
+        return usageError(parser, QStringLiteral("--sets needs a number from 1 to 63, not '%1'").arg(parser.value(QStringLiteral("sets"))));
     const bool parameters = parser.isSet(QStringLiteral("parameters"));
     CMemoryLogfile log;
     const auto dictionary = loadDictionaryFile(positional.at(1), &log, parameters ? NkrOdict::E_OT_PARAMETER : NkrOdict::E_OT_VALUE);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
-    return isExport ? exportValues(*dictionary, parser.value(QStringLiteral("output")), parameters, sets)
-                    : importValues(*dictionary, positional.at(2), parameters);
+    const int findings = loadFindings(log, positional.at(1));
+    const int rc = isExport ? exportValues(*dictionary, parser.value(QStringLiteral("output")), parameters, sets)
+                            : importValues(*dictionary, positional.at(2), parameters);
+    return rc == E_EXIT_OK ? findings : rc;
 }

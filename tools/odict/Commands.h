@@ -19,26 +19,51 @@ struct sCommand_t {
     int (*run)(const QStringList &arguments);
 };
 
-/// Exit statuses shared by the commands.
+/// Exit statuses, the same for every command (docs/odict-tool.md).
 enum eExit_t {
     E_EXIT_OK = 0,
-    E_EXIT_WARNINGS = 1,  ///< done, with warnings (check), or the operation was refused
-    E_EXIT_NOT_OPENED = 2, ///< an input file could not be opened or read
-    E_EXIT_USAGE = 64      ///< wrong arguments
+    E_EXIT_WARNINGS = 1,   ///< done, but the input has findings (warnings, failed checks, unknown records)
+    E_EXIT_NOT_OPENED = 2, ///< a file could not be read or written
+    E_EXIT_USAGE = 64      ///< wrong command, option, option value or number of arguments
 };
 
-/// Standard output and error of the tool, UTF-8.
+/// Standard output of the tool, UTF-8; swallows everything while quiet.
 QTextStream &out();
+/// Standard error of the tool, UTF-8, for errors; written even when quiet.
 QTextStream &err();
+/// Standard error for notes that are no errors (deprecated spellings, hints); swallows them while quiet.
+QTextStream &note();
+/// Switches quiet mode (-q): only errors are printed.
+void setQuiet(bool quiet);
+/// Prints a help text that was asked for on standard output, quiet or not.
+void printHelp(const QString &text);
 
-/// Parses \a arguments with \a parser (help handled) and checks the number of positional
-/// arguments; prints the problem and answers false when they do not fit.
+/// Parses \a arguments (the command name first) with \a parser, adding -h/--help and -q/--quiet,
+/// and checks the number of positional arguments. Prints the help and exits 0 when asked for it;
+/// prints the problem and the usage and answers false when the arguments do not fit.
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int positionals);
+/// As above, for commands that take \a minPositionals to \a maxPositionals positional arguments.
+bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositionals, int maxPositionals);
+/// The help text of a command parsed by parseArguments(), beginning "Usage: odict <command> ...".
+QString usageText(const QCommandLineParser &parser);
+/// Prints "odict: \a problem" and the usage on stderr; answers E_EXIT_USAGE.
+int usageError(const QCommandLineParser &parser, const QString &problem);
 
 /// Loads a dictionary file into a dictionary of \a kind; null (with the reason printed) when the
 /// file cannot be opened.
 std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfile *log,
                                                NkrOdict::eObjectType_t kind = NkrOdict::E_OT_EDITOR);
+/// Number of warnings and critical messages in \a log.
+int findingCount(const CMemoryLogfile &log);
+/// E_EXIT_WARNINGS, with a note pointing to 'odict check', when loading \a file logged findings
+/// into \a log; else E_EXIT_OK. For commands that load a dictionary and go on regardless.
+int loadFindings(const CMemoryLogfile &log, const QString &file);
+/// An error text about \a file: \a reason alone when it names the file already, else
+/// "\a verb '\a file': \a reason". Keeps the library's own texts from being repeated.
+QString fileError(const QString &verb, const QString &file, const QString &reason);
+/// Prints why \a file could not be written: \a reason when there is one, else the operating
+/// system's reason found by trying (nothing is left behind). Answers E_EXIT_NOT_OPENED.
+int writeFailed(const QString &file, const QString &reason = QString());
 
 /// The date the exporters write: SOURCE_DATE_EPOCH when it is set (reproducible builds), else today.
 class QDate;

@@ -39,9 +39,10 @@ bool xmlHeadRoundTrip()
 int runSelfCheck(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Checks the platform layer and prints one line per check."));
-    parser.addHelpOption();
-    parser.process(arguments);
+    parser.setApplicationDescription(QStringLiteral(
+        "Checks the platform layer and prints one line per check.\nExit status: 0 passed, 1 a check failed."));
+    if (!parseArguments(parser, arguments, 0))
+        return E_EXIT_USAGE;
 
     bool roundTrip = true;
     for (quint32 t = 1; t < NTypes::E_TYPE_COUNT; ++t) {
@@ -64,5 +65,5 @@ int runSelfCheck(const QStringList &arguments)
         all = all && c.ok;
     }
     out() << (all ? "platform self-check passed\n" : "platform self-check FAILED\n");
-    return all ? 0 : 1;
+    return all ? E_EXIT_OK : E_EXIT_WARNINGS;
 }

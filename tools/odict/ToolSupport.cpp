@@ -4,27 +4,136 @@
 #include <COdictEdit.h>
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QDateTime>
-#include <QFileInfo>
+#include <QSaveFile>
+
+#include <cstdio>
+
+namespace {
+
+/// Swallows whatever is written to it: the target of out() and note() while quiet.
+class CNullDevice : public QIODevice
+{
+public:
+    CNullDevice() { open(QIODevice::WriteOnly); }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *, qint64 length) override { return length; }
+};
+
+bool s_quiet = false;
+QString s_command; // the running command, for its usage line
+
+QTextStream &stdoutStream()
+{
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+QTextStream &stderrStream()
+{
+    static QTextStream stream(stderr);
+    return stream;
+}
+
+QTextStream &nullStream()
+{
+    static CNullDevice device;
+    static QTextStream stream(&device);
+    return stream;
+}
+
+} // namespace
+
+QTextStream &out()
+{
+    return s_quiet ? nullStream() : stdoutStream();
+}
+
+QTextStream &err()
+{
+    // Anything written to stdout before belongs before the error on a shared terminal.
+    stdoutStream().flush();
+    return stderrStream();
+}
+
+QTextStream &note()
+{
+    return s_quiet ? nullStream() : err();
+}
+
+void setQuiet(bool quiet)
+{
+    s_quiet = quiet;
+    // PROGRESS HOOK: -q also switches the progress display off; connect it here when it lands:
+    // setProgressEnabled(!quiet);
+}
+
+void printHelp(const QString &text)
+{
+    stdoutStream() << text;
+    stdoutStream().flush();
+}
 
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int positionals)
 {
-    parser.addHelpOption();
+    return parseArguments(parser, arguments, positionals, positionals);
+}
+
+bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositionals, int maxPositionals)
+{
+    s_command = arguments.value(0);
+    // Our own help option: QCommandLineParser::addHelpOption() would also offer Qt's --help-all.
+    parser.addOptions({
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this help.")},
+        {{QStringLiteral("q"), QStringLiteral("quiet")}, QStringLiteral("Prints errors only.")},
+    });
     if (!parser.parse(arguments)) {
-        err() << "odict: " << parser.errorText() << '\n';
+        // Qt names an unknown option without its dashes; the user typed them.
+        const QStringList unknown = parser.unknownOptionNames();
+        QString problem = unknown.isEmpty() ? parser.errorText()
+                                            : QStringLiteral("unknown option '%1%2'")
+                                                  .arg(QLatin1String(unknown.first().size() == 1 ? "-" : "--"), unknown.first());
+        if (!problem.isEmpty())
+            problem[0] = problem.at(0).toLower();
+        usageError(parser, problem);
         return false;
     }
     if (parser.isSet(QStringLiteral("help"))) {
-        out() << parser.helpText();
-        out().flush();
-        ::exit(0);
+        printHelp(usageText(parser));
+        ::exit(E_EXIT_OK);
     }
+    if (parser.isSet(QStringLiteral("quiet")))
+        setQuiet(true);
     // The command's name stands where a program name would and is not a positional argument.
-    if (parser.positionalArguments().size() != positionals) {
-        err() << "odict: wrong number of arguments\n" << parser.helpText();
+    const int count = parser.positionalArguments().size();
+    if (count < minPositionals || count > maxPositionals) {
+        const QString expected = minPositionals == maxPositionals
+            ? QString::number(minPositionals)
+            : QStringLiteral("%1 to %2").arg(minPositionals).arg(maxPositionals);
+        usageError(parser, QStringLiteral("%1 expects %2 argument(s), not %3").arg(s_command, expected).arg(count));
         return false;
     }
     return true;
+}
+
+QString usageText(const QCommandLineParser &parser)
+{
+    // Qt names the program by the path it was started with; the usage shows the command instead.
+    QString text = parser.helpText();
+    const QString qtPrefix = QStringLiteral("Usage: ") + QCoreApplication::arguments().value(0);
+    if (text.startsWith(qtPrefix))
+        text.replace(0, qtPrefix.size(), QStringLiteral("Usage: odict ") + s_command);
+    return text;
+}
+
+int usageError(const QCommandLineParser &parser, const QString &problem)
+{
+    err() << "odict: " << problem << "\n\n" << usageText(parser);
+    err().flush();
+    return E_EXIT_USAGE;
 }
 
 std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfile *log, NkrOdict::eObjectType_t kind)
@@ -38,11 +147,53 @@ std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfi
                                                         : dictionary->loadDictionary(file);
     if (result != 0) {
         const QStringList reasons = dictionary->warningMessages();
-        err() << "odict: cannot open '" << file << "'"
-              << (reasons.isEmpty() ? QString() : QStringLiteral(": ") + reasons.last()) << '\n';
+        err() << "odict: "
+              << (reasons.isEmpty() ? QStringLiteral("cannot open '%1'").arg(file)
+                                    : fileError(QStringLiteral("cannot read"), file, reasons.last()))
+              << '\n';
         return nullptr;
     }
     return dictionary;
+}
+
+int findingCount(const CMemoryLogfile &log)
+{
+    int count = 0;
+    for (const CMemoryLogfile::sEntry_t &entry : log.entries())
+        count += entry.severity != NkrLogfiles::E_SEV_INFO ? 1 : 0;
+    return count;
+}
+
+int loadFindings(const CMemoryLogfile &log, const QString &file)
+{
+    const int count = findingCount(log);
+    if (count == 0)
+        return E_EXIT_OK;
+    note() << "odict: '" << file << "' has " << count << " warning(s); 'odict check " << file << "' lists them\n";
+    return E_EXIT_WARNINGS;
+}
+
+QString fileError(const QString &verb, const QString &file, const QString &reason)
+{
+    if (reason.contains(QLatin1Char('\'') + file + QLatin1Char('\'')))
+        return reason;
+    return QStringLiteral("%1 '%2': %3").arg(verb, file, reason);
+}
+
+int writeFailed(const QString &file, const QString &reason)
+{
+    QString why = reason;
+    if (why.isEmpty()) {
+        // The writers answer only false; trying again with a QSaveFile (which writes a temporary
+        // file and removes it when cancelled) tells what the operating system refuses.
+        QSaveFile probe(file);
+        if (!probe.open(QIODevice::WriteOnly))
+            why = probe.errorString();
+        probe.cancelWriting();
+    }
+    err() << "odict: " << (why.isEmpty() ? QStringLiteral("cannot write '%1'").arg(file) : fileError(QStringLiteral("cannot write"), file, why))
+          << '\n';
+    return E_EXIT_NOT_OPENED;
 }
 
 QDate exportDate()
