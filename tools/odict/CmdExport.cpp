@@ -3,6 +3,7 @@
 
 #include <CMemoryLogfile.h>
 #include <COdictEdit.h>
+#include <COdictExportEds.h>
 #include <COdictExportFile.h>
 #include <COdictExportObjectIds.h>
 #include <COdictExportTranslation.h>
@@ -20,16 +21,19 @@ int runExport(const QStringList &arguments)
         "  odict export header FILE -o OUT.h        the firmware's object table header\n"
         "  odict export ids FILE -o DIR             NkrObjectIds.h, the enumeration of all object ids\n"
         "  odict export translation FILE -o DIR     NkrOdictTranslate.h, the display names for translation\n"
+        "  odict export eds FILE -o OUT.eds         the electronic data sheet for CANopen masters; objects it\n"
+        "                                           leaves out are listed and give exit status 1\n"
         "The date in the files is today, or the day of SOURCE_DATE_EPOCH when that is set."));
-    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids or translation."));
+    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids, translation or eds."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("Output file (header) or directory."), QStringLiteral("OUT")});
     if (!parseArguments(parser, arguments, 2))
         return E_EXIT_USAGE;
     const QString kind = parser.positionalArguments().at(0);
     const QString output = parser.value(QStringLiteral("output"));
-    if (output.isEmpty() || (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation"))) {
-        err() << "odict: usage: odict export header|ids|translation FILE -o OUT\n";
+    if (output.isEmpty() || (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation")
+                               && kind != QLatin1String("eds"))) {
+        err() << "odict: usage: odict export header|ids|translation|eds FILE -o OUT\n";
         return E_EXIT_USAGE;
     }
     CMemoryLogfile log;
@@ -38,14 +42,22 @@ int runExport(const QStringList &arguments)
         return E_EXIT_NOT_OPENED;
 
     // The exporters write into existing directories only; the tool creates them for convenience.
-    const QString directory = kind == QLatin1String("header") ? QFileInfo(output).absolutePath() : output;
+    const bool toFile = kind == QLatin1String("header") || kind == QLatin1String("eds");
+    const QString directory = toFile ? QFileInfo(output).absolutePath() : output;
     QDir().mkpath(directory);
     bool written = false;
     QString target;
+    QStringList leftOut;
     if (kind == QLatin1String("header")) {
         COdictExportFile exporter(dictionary.get());
         exporter.setDate(exportDate());
         written = exporter.exportToHeaderfile(output);
+        target = output;
+    } else if (kind == QLatin1String("eds")) {
+        COdictExportEds exporter(dictionary.get());
+        exporter.setDate(exportDate());
+        written = exporter.exportToEds(output);
+        leftOut = exporter.leftOut();
         target = output;
     } else if (kind == QLatin1String("ids")) {
         COdictExportObjectIds exporter(dictionary.get());
@@ -63,5 +75,7 @@ int runExport(const QStringList &arguments)
         return E_EXIT_NOT_OPENED;
     }
     out() << "wrote " << target << '\n';
-    return E_EXIT_OK;
+    for (const QString &text : qAsConst(leftOut))
+        out() << "left out: " << text << '\n';
+    return leftOut.isEmpty() ? E_EXIT_OK : E_EXIT_WARNINGS;
 }
