@@ -21,6 +21,11 @@ unsigned int COdictCanOpen::index(const COdictObject &object)
     return index(object.id(), object.ds402Id());
 }
 
+QString COdictCanOpen::indexText(unsigned int index)
+{
+    return QStringLiteral("0x") + QString::number(index, 16).toUpper().rightJustified(4, QLatin1Char('0'));
+}
+
 unsigned int COdictCanOpen::dataType(NTypes::eTypes_t type)
 {
     switch (type) {

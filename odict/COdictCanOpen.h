@@ -26,6 +26,9 @@ public:
     /// index(object.id(), object.ds402Id()).
     static unsigned int index(const COdictObject &object);
 
+    /// \a index as CANopen writes it: "0x" and four upper-case hexadecimal digits ("0x200A").
+    static QString indexText(unsigned int index);
+
     /// The CANopen DataType code (CiA 301 numbering) that carries \a type; 0 when none does.
     static unsigned int dataType(NTypes::eTypes_t type);
     /// The element type of one part of a DS402 array or record object (types 26 to 31) of

@@ -24,7 +24,7 @@ const unsigned int typeUnsigned8 = 0x0005;
 
 QString hex4(unsigned int value)
 {
-    return QStringLiteral("0x") + QString::number(value, 16).toUpper().rightJustified(4, QLatin1Char('0'));
+    return COdictCanOpen::indexText(value);
 }
 
 /// The AccessType of the fieldbus pair of the access rights; empty when the bus has no access.
