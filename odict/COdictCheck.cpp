@@ -86,7 +86,7 @@ public:
         }
         // Object by object in id order, whatever rule found it.
         std::stable_sort(m_findings.begin(), m_findings.end(), [](const sOdictFinding_t &a, const sOdictFinding_t &b) {
-            return COdictObjectId(a.id, a.subId) < COdictObjectId(b.id, b.subId);
+            return a.id != b.id ? a.id < b.id : a.subId + 1u < b.subId + 1u; // sub-objects after their object
         });
         return m_findings;
     }

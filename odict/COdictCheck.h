@@ -24,7 +24,8 @@ struct sOdictFinding_t {
 class KRODICT_EXPORT COdictCheck
 {
 public:
-    /// The findings of every rule for \a odict, object by object in id order.
+    /// The findings of every rule for \a odict, object by object in id order, each object
+    /// followed by its sub-objects.
     static QList<sOdictFinding_t> check(const COdict *odict);
     /// The ids of all rules, in the order in which they are applied to an object.
     static QStringList rules();

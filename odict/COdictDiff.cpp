@@ -302,8 +302,9 @@ QList<COdictDiff::sChange_t> COdictDiff::compare(const COdict *older, const COdi
         }
     }
     // Objects in id order (the additions came last); a stable sort keeps the fields in order.
+    // Sub-objects follow their object (the object's own sub-id, none, counts as the lowest).
     std::stable_sort(differ.changes.begin() + documentChanges, differ.changes.end(), [](const sChange_t &x, const sChange_t &y) {
-        return COdictObjectId(x.id, x.subId) < COdictObjectId(y.id, y.subId);
+        return x.id != y.id ? x.id < y.id : x.subId + 1u < y.subId + 1u;
     });
     return differ.changes;
 }

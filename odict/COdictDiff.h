@@ -36,8 +36,8 @@ public:
         QString label;                    ///< the object as people read it ("SPEED (ID 302)")
     };
 
-    /// The changes from \a older to \a newer: document data first, then the objects in id and
-    /// sub-id order. Linear in the number of objects (hashes by id). Empty when both are equal.
+    /// The changes from \a older to \a newer: document data first, then the objects in id order,
+    /// each followed by its sub-objects. Linear in the number of objects (hashes by id). Empty when both are equal.
     static QList<sChange_t> compare(const COdict *older, const COdict *newer);
     /// "metadata", "history", "structure", "added", "removed", "moved", "renamed" or "changed".
     static QString kindName(eChange_t kind);
