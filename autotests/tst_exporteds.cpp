@@ -225,6 +225,13 @@ private slots:
         QVERIFY2(reader.exitStatus() == QProcess::NormalExit && reader.exitCode() == 0, qPrintable(result));
         // 153 objects, 18 of them on shared indexes and two curves left out.
         QCOMPARE(result.trimmed(), QStringLiteral("objects 133"));
+
+        // The summary counts by the same rule.
+        QProcess info;
+        info.start(QStringLiteral(ODICT_TOOL), {QStringLiteral("info"), QStringLiteral(KRODICT_SOURCE_DIR "/examples/demo_drive.xml")});
+        QVERIFY(info.waitForFinished(60000));
+        QVERIFY(QString::fromUtf8(info.readAllStandardOutput())
+                    .contains(QStringLiteral("CANopen:       135 objects at an index of their own, 18 sharing one, 0 without\n")));
     }
 
     void failedWriteKeepsOldFile()
