@@ -1,4 +1,5 @@
 #include "COdictCanOpen.h"
+#include "COdictCanOpen_p.h"
 
 #include "COdict.h"
 #include "COdictObject.h"
@@ -80,8 +81,9 @@ NTypes::eTypes_t COdictCanOpen::partType(NTypes::eTypes_t type, unsigned int dat
     }
 }
 
-COdictCanOpenMap::COdictCanOpenMap(const COdict *odict)
+COdictCanOpenMap::COdictCanOpenMap(const COdict *odict) : d_ptr(new COdictCanOpenMapPrivate)
 {
+    Q_D(COdictCanOpenMap);
     const COdictObjectTree *tree = odict ? odict->objectTree() : nullptr;
     if (!tree)
         return;
@@ -93,13 +95,13 @@ COdictCanOpenMap::COdictCanOpenMap(const COdict *odict)
             continue;
         const unsigned int index = COdictCanOpen::index(*object);
         if (index == COdictCanOpen::NoIndex)
-            m_withoutIndex.append({index, object, {}});
+            d->withoutIndex.append({index, object, {}});
         else
             claims[index].append(object);
     }
     for (auto it = claims.cbegin(); it != claims.cend(); ++it) {
         if (it->size() == 1) {
-            m_placed.append({it.key(), it->first(), {}});
+            d->placed.append({it.key(), it->first(), {}});
             continue;
         }
         for (const COdictObject *object : *it) {
@@ -108,7 +110,27 @@ COdictCanOpenMap::COdictCanOpenMap(const COdict *odict)
                 if (other != object)
                     rivals.append(other->name());
             }
-            m_collisions.append({it.key(), object, rivals});
+            d->collisions.append({it.key(), object, rivals});
         }
     }
+}
+
+COdictCanOpenMap::~COdictCanOpenMap() = default;
+
+const QList<sOdictCanOpenPlace_t> &COdictCanOpenMap::placed() const
+{
+    Q_D(const COdictCanOpenMap);
+    return d->placed;
+}
+
+const QList<sOdictCanOpenPlace_t> &COdictCanOpenMap::collisions() const
+{
+    Q_D(const COdictCanOpenMap);
+    return d->collisions;
+}
+
+const QList<sOdictCanOpenPlace_t> &COdictCanOpenMap::withoutIndex() const
+{
+    Q_D(const COdictCanOpenMap);
+    return d->withoutIndex;
 }

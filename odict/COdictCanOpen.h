@@ -5,10 +5,12 @@
 #include "krodict_export.h"
 
 #include <QList>
+#include <QScopedPointer>
 #include <QString>
 #include <QStringList>
 
 class COdict;
+class COdictCanOpenMapPrivate;
 class COdictObject;
 
 /// The CANopen view of a dictionary's numbers: the index of each object in a CANopen object
@@ -50,18 +52,19 @@ struct sOdictCanOpenPlace_t {
 class KRODICT_EXPORT COdictCanOpenMap
 {
 public:
-    /// Places the objects of \a odict (not kept).
+    /// Places the objects of \a odict (not kept; the places point into its tree).
     explicit COdictCanOpenMap(const COdict *odict);
+    ~COdictCanOpenMap();
 
     /// Objects with an index of their own, ascending by index.
-    const QList<sOdictCanOpenPlace_t> &placed() const { return m_placed; }
+    const QList<sOdictCanOpenPlace_t> &placed() const;
     /// Objects that share their index with another one (each of them, ascending by index).
-    const QList<sOdictCanOpenPlace_t> &collisions() const { return m_collisions; }
+    const QList<sOdictCanOpenPlace_t> &collisions() const;
     /// Objects whose id has no CANopen index, in id order.
-    const QList<sOdictCanOpenPlace_t> &withoutIndex() const { return m_withoutIndex; }
+    const QList<sOdictCanOpenPlace_t> &withoutIndex() const;
 
 private:
-    QList<sOdictCanOpenPlace_t> m_placed;
-    QList<sOdictCanOpenPlace_t> m_collisions;
-    QList<sOdictCanOpenPlace_t> m_withoutIndex;
+    Q_DISABLE_COPY(COdictCanOpenMap)
+    const QScopedPointer<COdictCanOpenMapPrivate> d_ptr;
+    Q_DECLARE_PRIVATE(COdictCanOpenMap)
 };

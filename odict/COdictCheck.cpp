@@ -119,15 +119,16 @@ private:
             const CVariant value = CVariant::fromI64(entry.value, NTypes::E_I64);
             if (compareNumbers(value, min) == -1 || compareNumbers(value, max) == 1) {
                 add("enum-outside-limits", object, QStringLiteral("%1: enumeration value %2 (%3) lies outside the limits %4..%5")
-                                                       .arg(object.longInfo()).arg(entry.value)
-                                                       .arg(entry.name, min.toStr(), max.toStr()));
+                                                       .arg(object.longInfo(), QString::number(entry.value), entry.name,
+                                                            min.toStr(), max.toStr()));
             }
         }
         const unsigned int bytes = object.dataSize() > 0 ? object.dataSize() : object.dataTypeSize();
         for (const auto &bit : object.bitSetData().bitSet()) {
             if (quint64(bit.pos) >= quint64(bytes) * 8) {
                 add("bit-beyond-size", object, QStringLiteral("%1: bit %2 (%3) lies beyond its %4 bytes of data")
-                                                   .arg(object.longInfo()).arg(bit.pos).arg(bit.name).arg(bytes));
+                                                   .arg(object.longInfo(), QString::number(bit.pos), bit.name,
+                                                        QString::number(bytes)));
             }
         }
     }

@@ -160,7 +160,7 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
         comments << QStringLiteral("Left out:") << leftOut;
     lines << QStringLiteral("[Comments]") << QStringLiteral("Lines=%1").arg(comments.size());
     for (int i = 0; i < comments.size(); ++i)
-        lines << QStringLiteral("Line%1=%2").arg(i + 1).arg(comments.at(i));
+        lines << QStringLiteral("Line%1=").arg(i + 1) + comments.at(i);
     lines << QString();
 
     const auto list = [this](const char *title, const QList<unsigned int> &indexes, const QStringList &sections) {
@@ -178,9 +178,10 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
         CMessageBoardHelper::setWarning(QStringLiteral("EDS export: ") + text, odict ? odict->logfile() : nullptr);
 
     // CR LF and no byte-order mark: the form every INI reader of the field takes.
+    // A line break inside a text would end its key early: texts keep to their line.
     QByteArray bytes;
-    for (const QString &line : qAsConst(lines))
-        bytes += line.toUtf8() + "\r\n";
+    for (QString line : qAsConst(lines))
+        bytes += line.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8() + "\r\n";
     lines.clear();
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
@@ -304,7 +305,7 @@ QStringList COdictExportEdsPrivate::objectSection(unsigned int index, const COdi
             if (!entryOf(object, part, entry))
                 return {};
             entry.subIndex = i;
-            entry.name = QStringLiteral("%1 %2").arg(displayName(object).left(maxParameterName - 4)).arg(i);
+            entry.name = displayName(object).left(maxParameterName - 4) + QLatin1Char(' ') + QString::number(i);
             entry.low.clear();
             entry.high.clear();
             entry.value = defaults.size() >= i * partSize
@@ -324,12 +325,12 @@ QStringList COdictExportEdsPrivate::objectSection(unsigned int index, const COdi
         const QString where = QLatin1Char('[') + title + QStringLiteral("] ");
         QStringList texts;
         for (const auto &e : o.enumData().enums())
-            texts << QStringLiteral("%1 = %2").arg(e.value).arg(e.name);
+            texts << QString::number(e.value) + QStringLiteral(" = ") + e.name;
         if (!texts.isEmpty())
             m_valueTexts << where + o.name() + QStringLiteral(" values: ") + texts.join(QStringLiteral(", "));
         texts.clear();
         for (const auto &b : o.bitSetData().bitSet())
-            texts << QStringLiteral("%1 = %2").arg(b.pos).arg(b.name);
+            texts << QString::number(b.pos) + QStringLiteral(" = ") + b.name;
         if (!texts.isEmpty())
             m_valueTexts << where + o.name() + QStringLiteral(" bits: ") + texts.join(QStringLiteral(", "));
     };
