@@ -50,17 +50,15 @@ QString structureMembers(const COdictDataStructure::SDataStructure_t &s)
 struct sSide_t {
     struct sEntry_t {
         const COdictObject *object = nullptr;
-        QString group; ///< "/MOTOR/ENCODER"; empty for sub-objects
+        QString group; ///< "/MOTOR/ENCODER", "/" at the top; empty for sub-objects
     };
     QHash<COdictObjectId, sEntry_t> byId;
-    QVector<COdictObjectId> order; ///< ids in index order
 
     explicit sSide_t(const COdictObjectTree *tree)
     {
         if (!tree)
             return;
         byId.reserve(tree->idIndex().size());
-        order.reserve(tree->idIndex().size());
         // One walk from the dictionary node gives every node its group path.
         QVector<QPair<const COdictNode *, QString>> pending;
         if (const COdictNode *top = tree->dictionaryNode())
@@ -76,14 +74,11 @@ struct sSide_t {
                 const COdictObject *object = item.objectPtr();
                 if (!object || object->isVirtual())
                     continue;
-                byId.insert(object->uniqueId(), {object, object->isSubObject() ? QString() : present(path)});
+                const QString group = object->isSubObject() ? QString() : path.isEmpty() ? QStringLiteral("/") : path;
+                byId.insert(object->uniqueId(), {object, group});
                 if (item.type() == NkrOdict::E_IT_OBJECT)
                     pending.append({child, path});
             }
-        }
-        for (auto it = tree->idIndex().cbegin(); it != tree->idIndex().cend(); ++it) {
-            if (byId.contains(it.key()))
-                order.append(it.key());
         }
     }
 };
@@ -287,22 +282,19 @@ QList<COdictDiff::sChange_t> COdictDiff::compare(const COdict *older, const COdi
 
     const sSide_t a(older->objectTree());
     const sSide_t b(newer->objectTree());
-    for (const COdictObjectId &id : a.order) {
-        const auto theirs = b.byId.constFind(id);
-        const sSide_t::sEntry_t &ours = a.byId[id];
+    for (auto ours = a.byId.cbegin(); ours != a.byId.cend(); ++ours) {
+        const auto theirs = b.byId.constFind(ours.key());
         if (theirs == b.byId.cend())
-            differ.add(E_DC_REMOVED, ours.object, QStringLiteral("object"), present(ours.object->name()), QString());
+            differ.add(E_DC_REMOVED, ours->object, QStringLiteral("object"), present(ours->object->name()), QString());
         else
-            differ.object(ours, *theirs);
+            differ.object(*ours, *theirs);
     }
-    for (const COdictObjectId &id : b.order) {
-        if (!a.byId.contains(id)) {
-            const sSide_t::sEntry_t &theirs = b.byId[id];
-            differ.add(E_DC_ADDED, theirs.object, QStringLiteral("object"), QString(), present(theirs.object->name()));
-        }
+    for (auto theirs = b.byId.cbegin(); theirs != b.byId.cend(); ++theirs) {
+        if (!a.byId.contains(theirs.key()))
+            differ.add(E_DC_ADDED, theirs->object, QStringLiteral("object"), QString(), present(theirs->object->name()));
     }
-    // Objects in id order (the additions came last); a stable sort keeps the fields in order.
-    // Sub-objects follow their object (the object's own sub-id, none, counts as the lowest).
+    // Hash order is no order: objects by id, each followed by its sub-objects (the object's own
+    // sub-id, none, counts as the lowest); the stable sort keeps an object's fields in order.
     std::stable_sort(differ.changes.begin() + documentChanges, differ.changes.end(), [](const sChange_t &x, const sChange_t &y) {
         return x.id != y.id ? x.id < y.id : x.subId + 1u < y.subId + 1u;
     });
