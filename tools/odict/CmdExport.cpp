@@ -3,6 +3,7 @@
 
 #include <CMemoryLogfile.h>
 #include <COdictEdit.h>
+#include <COdictExportEds.h>
 #include <COdictExportFile.h>
 #include <COdictExportObjectIds.h>
 #include <COdictExportTranslation.h>
@@ -20,17 +21,22 @@ int runExport(const QStringList &arguments)
         "  odict export header FILE -o OUT.h        the firmware's object table header\n"
         "  odict export ids FILE -o DIR             NkrObjectIds.h, the enumeration of all object ids\n"
         "  odict export translation FILE -o DIR     NkrOdictTranslate.h, the display names for translation\n"
+        "  odict export eds FILE -o OUT.eds         the electronic data sheet for CANopen masters; objects it\n"
+        "                                           leaves out are listed and give exit status 1\n"
         "The date in the files is today, or the day of SOURCE_DATE_EPOCH when that is set; the header\n"
         "writes it in the short date format of the locale (LC_ALL).\n"
-        "Exit status: 0 written, 1 written but the input has warnings, 2 not read or not written."));
-    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids or translation."));
+        "Exit status: 0 written, 1 written but the input has warnings or objects were left out,\n"
+        "2 not read or not written."));
+    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids, translation or eds."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("Output file (header) or directory."), QStringLiteral("OUT")});
     if (!parseArguments(parser, arguments, 2))
         return E_EXIT_USAGE;
     const QString kind = parser.positionalArguments().at(0);
     const QString output = parser.value(QStringLiteral("output"));
-    if (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation"))
+    const QStringList kinds{QStringLiteral("header"), QStringLiteral("ids"), QStringLiteral("translation"),
+                            QStringLiteral("eds")};
+    if (!kinds.contains(kind))
         return usageError(parser, QStringLiteral("unknown export kind '%1'").arg(kind));
     if (output.isEmpty())
         return usageError(parser, QStringLiteral("export needs -o OUT"));
@@ -40,14 +46,22 @@ int runExport(const QStringList &arguments)
         return E_EXIT_NOT_OPENED;
 
     // The exporters write into existing directories only; the tool creates them for convenience.
-    const QString directory = kind == QLatin1String("header") ? QFileInfo(output).absolutePath() : output;
+    const bool toFile = kind == QLatin1String("header") || kind == QLatin1String("eds");
+    const QString directory = toFile ? QFileInfo(output).absolutePath() : output;
     QDir().mkpath(directory);
     bool written = false;
     QString target;
+    QStringList leftOut;
     if (kind == QLatin1String("header")) {
         COdictExportFile exporter(dictionary.get());
         exporter.setDate(exportDate());
         written = exporter.exportToHeaderfile(output);
+        target = output;
+    } else if (kind == QLatin1String("eds")) {
+        COdictExportEds exporter(dictionary.get());
+        exporter.setDate(exportDate());
+        written = exporter.exportToEds(output);
+        leftOut = exporter.leftOut();
         target = output;
     } else if (kind == QLatin1String("ids")) {
         COdictExportObjectIds exporter(dictionary.get());
@@ -63,5 +77,8 @@ int runExport(const QStringList &arguments)
     if (!written)
         return writeFailed(target);
     out() << "wrote " << target << '\n';
-    return loadFindings(log, parser.positionalArguments().at(1));
+    for (const QString &text : qAsConst(leftOut))
+        out() << "left out: " << text << '\n';
+    const int findings = loadFindings(log, parser.positionalArguments().at(1));
+    return leftOut.isEmpty() ? findings : E_EXIT_WARNINGS;
 }

@@ -2,12 +2,16 @@
 #include "Commands.h"
 
 #include <CMemoryLogfile.h>
+#include <COdictCanOpen.h>
+#include <COdictCheck.h>
 #include <COdictEdit.h>
 #include <COdictObject.h>
 #include <COdictObjectTree.h>
 #include <CStr.h>
 
 #include <QCommandLineParser>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMap>
 #include <QVector>
 
@@ -137,6 +141,9 @@ int runInfo(const QStringList &arguments)
                      .arg(it.value().second, 4, 16, QLatin1Char('0'))
                      .arg(QLatin1String(ranges[it.key()].label));
     }
+    const COdictCanOpenMap canOpen(dictionary.get());
+    out() << "CANopen:       " << canOpen.placed().size() << " objects at an index of their own, "
+          << canOpen.collisions().size() << " sharing one, " << canOpen.withoutIndex().size() << " without\n";
     const int warnings = findingCount(log);
     if (warnings > 0)
         out() << "warnings:      " << warnings << " (run 'odict check' to list them)\n";
@@ -147,24 +154,52 @@ int runCheck(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Loads a dictionary file and prints every warning and critical message.\n"
+        "Loads a dictionary file, checks it and prints every warning and critical message.\n"
         "Exit status: 0 clean, 1 with warnings or critical messages, 2 not read."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
+    parser.addOption({QStringLiteral("format"), QStringLiteral("text (default), or json: a JSON array with one record per finding."),
+                      QStringLiteral("FORMAT"), QStringLiteral("text")});
     if (!parseArguments(parser, arguments, 1))
         return E_EXIT_USAGE;
+    const QString format = parser.value(QStringLiteral("format"));
+    if (format != QLatin1String("text") && format != QLatin1String("json")) {
+        err() << "odict: unknown format '" << format << "' (text or json)\n";
+        return E_EXIT_USAGE;
+    }
     const QString file = parser.positionalArguments().at(0);
     CMemoryLogfile log;
     const auto dictionary = loadDictionaryFile(file, &log);
     if (!dictionary)
         return E_EXIT_NOT_OPENED;
-    int problems = 0;
+    // The loader's messages first (rule "load", no object), then the checks of the library.
+    QList<sOdictFinding_t> findings;
     for (const CMemoryLogfile::sEntry_t &entry : log.entries()) {
-        if (entry.severity == NkrLogfiles::E_SEV_INFO)
-            continue;
-        out() << severityText(entry.severity) << ": " << entry.text << '\n';
+        if (entry.severity != NkrLogfiles::E_SEV_INFO)
+            findings.append({QStringLiteral("load"), entry.severity, COdictObject::NoId, COdictObject::NoId, entry.text});
+    }
+    findings += COdictCheck::check(dictionary.get());
+    int problems = 0;
+    QStringList records;
+    for (const sOdictFinding_t &finding : qAsConst(findings)) {
+        if (format == QLatin1String("json")) {
+            const auto number = [](unsigned int n) { return n == COdictObject::NoId ? QJsonValue() : QJsonValue(qint64(n)); };
+            const QJsonObject record{{QStringLiteral("rule"), finding.rule},
+                                     {QStringLiteral("severity"), QLatin1String(severityText(finding.severity))},
+                                     {QStringLiteral("id"), number(finding.id)},
+                                     {QStringLiteral("subId"), number(finding.subId)},
+                                     {QStringLiteral("message"), finding.message}};
+            records << QString::fromUtf8(QJsonDocument(record).toJson(QJsonDocument::Compact));
+        }
+        if (finding.severity == NkrLogfiles::E_SEV_INFO)
+            continue; // only in the JSON records
+        if (format == QLatin1String("text"))
+            out() << severityText(finding.severity) << ": " << finding.message << '\n';
         ++problems;
     }
-    out() << file << ": " << (problems == 0 ? QStringLiteral("clean") : QStringLiteral("%1 problem(s)").arg(problems)) << '\n';
+    if (format == QLatin1String("json"))
+        out() << (records.isEmpty() ? QStringLiteral("[]") : QStringLiteral("[\n") + records.join(QStringLiteral(",\n")) + QStringLiteral("\n]")) << '\n';
+    else
+        out() << file << ": " << (problems == 0 ? QStringLiteral("clean") : QStringLiteral("%1 problem(s)").arg(problems)) << '\n';
     return problems == 0 ? E_EXIT_OK : E_EXIT_WARNINGS;
 }
 

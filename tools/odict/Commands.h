@@ -78,3 +78,4 @@ int runDevices(const QStringList &arguments);
 int runDemo(const QStringList &arguments);
 int runExport(const QStringList &arguments);
 int runValues(const QStringList &arguments);
+int runDiff(const QStringList &arguments);

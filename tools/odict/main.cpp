@@ -10,6 +10,7 @@ const sCommand_t commands[] = {
     {"info", "Print a summary of a dictionary file (name, version, counts, id ranges).", runInfo},
     {"check", "Load a dictionary file and list every warning and critical message.", runCheck},
     {"save", "Load a dictionary file and save it again, normalised: odict save IN OUT.", runSave},
+    {"diff", "Compare two dictionary files object by object: odict diff OLD NEW [--format json].", runDiff},
     {"export", "Export the firmware C header, the object-id enumeration or the translation source.", runExport},
     {"values", "Write or read a data file of current values or parameter sets for a dictionary.", runValues},
     {"narrow", "Narrow a dictionary to one device of the device database and save it.", runNarrow},
