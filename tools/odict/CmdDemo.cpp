@@ -369,11 +369,12 @@ void buildDemo(COdictEdit &dict, CDemoBuilder &b)
             b.addSub(txNode, b.object(tx, QStringLiteral("CO_TXPDO%1_ENTRY%2").arg(p + 1).arg(s), QStringLiteral("Eintrag %1").arg(s), E_U32), s);
     }
 
-    // -- manufacturer area from 0x2000: user parameters and DS402 record types --
+    // -- manufacturer area from 0x2000: DS402 record types, user parameters from 0x2400 (clear of
+    //    the ids below 0x1000, which appear at 0x2000 + id in the CANopen numbering) --
     COdictNode *user = b.group(top, QStringLiteral("APPLICATION"), QStringLiteral("Applikation"));
     COdictNode *userParameters = b.group(user, QStringLiteral("USER_PARAMETERS"), QStringLiteral("Anwenderparameter"));
     for (unsigned int i = 0; i < 32; ++i)
-        b.add(userParameters, b.object(0x2000 + i, QStringLiteral("USER_PARAMETER_%1").arg(i), QStringLiteral("Anwenderparameter %1").arg(i), E_I32));
+        b.add(userParameters, b.object(0x2400 + i, QStringLiteral("USER_PARAMETER_%1").arg(i), QStringLiteral("Anwenderparameter %1").arg(i), E_I32));
     COdictNode *records = b.group(user, QStringLiteral("RECORDS"), QStringLiteral("Verbunde"));
     b.add(records, b.object(0x2100, QStringLiteral("POSITION_RANGE"), QStringLiteral("Positionsbereich"), E_DS402_I32ARRAY, QString(), QString(), QString(), 8));
     b.add(records, b.object(0x2101, QStringLiteral("MOTION_PROFILE"), QStringLiteral("Bewegungsprofil"), E_DS402_RECORD, QString(), QString(), QString(), 12));
