@@ -1,5 +1,6 @@
 # krodict_install_headers(HEADER...)
-# Installs the public headers; private headers end in _p.h and stay in the source tree.
+# Installs the public headers; private headers end in _p.h and stay in the source tree. The
+# written ones (not the generated export headers) are what the API reference is made from.
 function(krodict_install_headers)
     set(public)
     foreach(h ${ARGN})
@@ -8,6 +9,9 @@ function(krodict_install_headers)
         endif()
     endforeach()
     install(FILES ${public} DESTINATION ${KRODICT_INSTALL_INCLUDEDIR})
+    list(TRANSFORM public PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
+    list(FILTER public EXCLUDE REGEX "^${CMAKE_BINARY_DIR}/")
+    set_property(GLOBAL APPEND PROPERTY KRODICT_INSTALLED_HEADERS ${public})
 endfunction()
 
 # krodict_add_library(NAME SOURCES ... HEADERS ... LINK_PUBLIC ... LINK_PRIVATE ...)

@@ -203,6 +203,7 @@ protected:
     /// Registers the node built for \a item (takes ownership of it).
     COdictNode *registerNode(COdictItem *item, bool *ok);
 
+    /// The private object: all state of the tree.
     const QScopedPointer<COdictObjectTreePrivate> d_ptr;
 
 private:
