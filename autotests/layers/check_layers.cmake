@@ -1,6 +1,7 @@
 # Builds each probe (NAME|EXPECT|HEADER) in BUILD_DIR and checks the outcome: FAIL probes must
 # stop with the compiler's "header not found", OK probes must build. Then checks that no source
-# of the dictionary layers reaches around the include paths with a relative path.
+# of the dictionary layers reaches around the include paths with a relative path, and that the
+# shared LIBRARY exports nothing of a private class.
 set(failures)
 foreach(probe ${PROBES})
     string(REPLACE "|" ";" fields "${probe}")
@@ -34,6 +35,18 @@ foreach(source ${sources})
     foreach(line ${lines})
         list(APPEND failures "${source}: include with a path: ${line}")
     endforeach()
+endforeach()
+
+# Private classes stay inside the library: none of their symbols is exported.
+execute_process(COMMAND ${NM} -DC --defined-only ${LIBRARY} RESULT_VARIABLE rc OUTPUT_VARIABLE symbols)
+if(NOT rc EQUAL 0)
+    list(APPEND failures "cannot list the symbols of ${LIBRARY}")
+endif()
+string(REPLACE "\n" ";" symbols "${symbols}")
+foreach(symbol ${symbols})
+    if(symbol MATCHES "Private::|for [A-Za-z]*Private$")
+        list(APPEND failures "private class exported: ${symbol}")
+    endif()
 endforeach()
 
 if(failures)
