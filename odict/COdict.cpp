@@ -1,25 +1,24 @@
 #include "COdict.h"
 
 #include "COdict_p.h"
+#include "CDeviceData.h"
 #include "CMessageBoardHelper.h"
 #include "COdictEditorObject.h"
+#include "COdictHardware_p.h"
 #include "COdictObject.h"
 #include "COdictObjectTree.h"
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
-#include "COdictXmlFile.h"
-#include "CDomDoc.h"
+#include "ICOdictStorage_p.h"
 
 #include <QCoreApplication>
+#include <QDomElement>
 
 #include <memory>
 
 using namespace NkrOdict;
 
 namespace {
-
-const QString dictionaryDocumentType = QStringLiteral("KiroObjectDictionary");
-const QString parameterSetDocumentType = QStringLiteral("KiroParameterSets");
 
 QString kindName(eObjectType_t kind)
 {
@@ -109,6 +108,18 @@ int COdictPrivate::load(const QString &fileName, const QString &documentType)
     return result;
 }
 
+bool COdictPrivate::applyHardwareDependencies(const CDeviceData &device, unsigned char pos)
+{
+    return tree && COdictHardware(*tree, logfile).apply(device, pos);
+}
+
+bool COdictPrivate::applyHardwareDependencies(NTypes::uVersion_t version, const QString &device, unsigned char pos)
+{
+    const std::unique_ptr<CDeviceData> data = COdictHardware::findDevice(version, device);
+    // Virtual: a derived dictionary's narrowing applies to devices from the database too.
+    return data && applyHardwareDependencies(*data, pos);
+}
+
 int COdictPrivate::loadDictionary(const QString &fileName)
 {
     const int result = load(fileName, QString());
@@ -118,12 +129,12 @@ int COdictPrivate::loadDictionary(const QString &fileName)
 
 int COdictPrivate::loadParameterDictionary(const QString &fileName)
 {
-    return load(fileName, dictionaryDocumentType);
+    return load(fileName, ICOdictStorage::dictionaryType());
 }
 
 int COdictPrivate::loadParameterSets(const QString &fileName)
 {
-    return load(fileName, parameterSetDocumentType);
+    return load(fileName, ICOdictStorage::parameterSetType());
 }
 
 void COdictPrivate::setOdictMetaData(const CXMLMetaData &meta)
@@ -370,9 +381,10 @@ bool COdict::hasVisibleObjects(unsigned int level) const
 
 bool COdict::valueObjectFromXml(CDomDoc &, COdictValueObject &object, QDomElement element)
 {
-    if (element.isNull())
+    const ICOdictStorage *storage = ICOdictStorage::current();
+    if (element.isNull() || !storage)
         return false;
-    const std::unique_ptr<COdictObject> read(COdictXmlFile::objectFromElement(element, E_OT_VALUE, nullptr));
+    const std::unique_ptr<COdictObject> read(storage->readObject(element, E_OT_VALUE));
     const auto *value = dynamic_cast<const COdictValueObject *>(read.get());
     if (!value || !value->isValid())
         return false;
@@ -382,9 +394,10 @@ bool COdict::valueObjectFromXml(CDomDoc &, COdictValueObject &object, QDomElemen
 
 bool COdict::setObjectToXml(CDomDoc &doc, const COdictValueObject &object, QDomElement element)
 {
-    if (element.isNull())
+    const ICOdictStorage *storage = ICOdictStorage::current();
+    if (element.isNull() || !storage)
         return false;
-    COdictXmlFile::objectToElement(doc, element, object);
+    storage->writeObject(doc, element, object);
     return true;
 }
 

@@ -77,17 +77,21 @@ class KRODICT_EXPORT COdict : public QObject
 {
     Q_OBJECT
 public:
+    /// An empty dictionary of \a kind without a log file (E_OT_UNKNOWN: no tree at all).
     explicit COdict(NkrOdict::eObjectType_t kind, QObject *parent = nullptr);
+    /// An empty dictionary of \a kind whose messages go to \a log (not owned; null silences).
     COdict(NkrOdict::eObjectType_t kind, ICLogfile *log, QObject *parent = nullptr);
     /// A copy with the same log file, a copy of the tree (with its own indexes) and the same valid flag.
     COdict(const COdict &other);
     ~COdict() override;
 
+    /// Sets the log sink of the dictionary and its tree (not owned; null silences).
     virtual void setLogfile(ICLogfile *log);
     /// The log sink. Not owned; null silences messages.
     ICLogfile *logfile() const;
     /// The tree's kind; E_OT_UNKNOWN without a tree.
     virtual NkrOdict::eObjectType_t objectType() const;
+    /// Same as objectType().
     virtual NkrOdict::eObjectType_t getObjectType() const;
 
     /// Reads a dictionary file; 0 on success, 1 if the file cannot be opened as the expected type.
@@ -102,35 +106,53 @@ public:
     /// Narrows selections and limits to \a device.
     virtual bool applyHardwareDependencies(const CDeviceData &device, unsigned char pos);
 
+    /// Stores the meta data and puts it into the history (replacing the record of its version).
     virtual void setOdictMetaData(const CXMLMetaData &meta);
+    /// A copy of the meta data of the current document.
     virtual CXMLMetaData odictMetaData() const;
+    /// A copy of the version history, newest first.
     virtual COdictHistory odictHistory() const;
     /// The warnings collected by the last load.
     virtual QStringList warningMessages() const;
+    /// Empties the warnings of the last load.
     void clearWarningMessages();
 
+    /// True after a load that could open its file; false after construction or a failed load.
     bool isValid() const;
+    /// The default locale's language at the last loadDictionary(); QLocale::C before.
     QLocale::Language language() const;
+    /// The file last loaded (also when loading failed) or saved; empty without a tree.
     QString fileName() const;
     /// The tree's root node; null without a tree.
     COdictNode *odictTree();
+    /// The tree's root node; null without a tree.
     const COdictNode *odictTree() const;
     /// The object tree itself (null without a tree), for editors and exporters.
     COdictObjectTree *objectTree();
+    /// The object tree itself; null without a tree.
     const COdictObjectTree *objectTree() const;
 
+    /// The greatest object id; 0 for an empty dictionary.
     unsigned int highestId() const;
+    /// The greatest id with its greatest real sub-id; invalid for an empty dictionary.
     COdictObjectId highestUId() const;
+    /// The id of every object and sub-object, in key order, duplicates kept.
     QList<unsigned int> allObjectIds() const;
+    /// Every unique id (object and sub-object), in key order.
     QList<COdictObjectId> allObjectUIds() const;
+    /// The ids of allObjectUIds(\a node), duplicates kept.
     QList<unsigned int> allObjectIds(const COdictNode *node) const;
+    /// The unique ids below a group in child order, all of them for the dictionary node, none otherwise.
     QList<COdictObjectId> allObjectUIds(const COdictNode *node) const;
 
     /// A copy of the item with that reference id (a default item when none).
     COdictItem odictItem(const QUuid &refId) const;
+    /// The item with that reference id (owned by the tree); null when none.
     COdictItem *odictItemPtr(const QUuid &refId) const;
 
+    /// True when some object is visible at user level \a level; false for an empty dictionary.
     bool hasVisibleObjects(NkrUserLevel::eUserLevel_t level) const;
+    /// True when some object is visible at user level \a level; false for an empty dictionary.
     bool hasVisibleObjects(unsigned int level) const;
 
     KRODICT_LOOKUP_FAMILY(const COdictNode *, node)
@@ -146,10 +168,15 @@ public:
     KRODICT_LOOKUP_FAMILY(unsigned int, userlevelVisible)
 
     // contains: the id key forms only.
+    /// True when an object or sub-object has the key \a uid.
     bool contains(const COdictObjectId &uid) const;
+    /// True when the dictionary holds (\a id, \a subId).
     bool contains(unsigned int id, unsigned int subId) const;
+    /// True when the dictionary holds the key COdictObjectId(\a id).
     bool contains(unsigned int id) const;
+    /// True when the dictionary holds the packed key \a packed.
     bool contains(unsigned long long packed) const;
+    /// True when the dictionary holds the packed key \a id.
     bool contains(NkrObjectIds::eObjectId_t id) const;
     KRODICT_INTEGER_KEY(contains, const)
 
@@ -160,9 +187,11 @@ public:
     static bool setObjectToXml(CDomDoc &doc, const COdictValueObject &object, QDomElement element);
 
 protected:
+    /// For derived dictionaries, which pass their own private object (owned from here on).
     COdict(COdictPrivate &dd, QObject *parent); // derived dictionaries pass their own private
     /// Second half of construction for derived classes: log file, then the tree.
     void initialise(NkrOdict::eObjectType_t kind, ICLogfile *log);
+    /// The private object: all state of the dictionary.
     const QScopedPointer<COdictPrivate> d_ptr;
 
 private:

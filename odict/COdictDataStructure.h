@@ -37,36 +37,47 @@ public:
     struct SDataStructureMember_t {
         QString cType;   ///< C type text, e.g. "uint32_t"
         QString name;    ///< member name
+        /// where the initial value comes from
         eMemberSource_t source = E_MS_LITERAL;
         QString literal; ///< the value for E_MS_LITERAL, and the fall-back of the other rules
 
+        /// True when every field is equal.
         bool operator==(const SDataStructureMember_t &o) const
         {
             return cType == o.cType && name == o.name && source == o.source && literal == o.literal;
         }
+        /// True when some field differs.
         bool operator!=(const SDataStructureMember_t &o) const { return !(*this == o); }
     };
 
+    /// One structure of the firmware header: its name, display texts, number and members.
     struct SDataStructure_t {
         QString name;        ///< structure name: the C type is "ODICT_<name>_t"
         QString uiName;      ///< display name
         QString description; ///< further text, written in the header's structure comment
         int id = 0;          ///< structure number, selected by an object's access type
+        /// the members in declaration order
         QList<SDataStructureMember_t> members;
 
+        /// True when every field is equal.
         bool operator==(const SDataStructure_t &o) const
         {
             return name == o.name && uiName == o.uiName && description == o.description && id == o.id
                 && members == o.members;
         }
+        /// True when some field differs.
         bool operator!=(const SDataStructure_t &o) const { return !(*this == o); }
     };
 
+    /// Number of structures.
     int size() const { return m_list.size(); }
+    /// Removes every structure.
     void clear() { m_list.clear(); }
     /// The entry at a valid position.
     SDataStructure_t at(int index) const { return m_list.at(index); }
+    /// All structures in file order.
     const QList<SDataStructure_t> &list() const { return m_list; }
+    /// Appends \a entry (ids are not checked for uniqueness).
     void append(const SDataStructure_t &entry) { m_list.append(entry); }
     /// The first entry with \a id; an empty entry (id 0) when none.
     SDataStructure_t data(int id) const;
@@ -75,13 +86,16 @@ public:
     /// Id to display name over the entries with id > 0; the later entry wins for a shared id.
     QMap<int, QString> idToUiNameMap() const;
 
+    /// True when both hold the same structures in the same order.
     bool operator==(const COdictDataStructure &o) const { return m_list == o.m_list; }
+    /// True when the structures differ.
     bool operator!=(const COdictDataStructure &o) const { return !(*this == o); }
 
     /// The C initial value of \a member for \a object (see eMemberSource_t).
     static QString initialValue(const SDataStructureMember_t &member, const COdictEditorObject &object);
     /// File keyword of a source ("literal", "id", "subId", ...) and back (E_MS_LITERAL when unknown).
     static QString sourceToStr(eMemberSource_t source);
+    /// The source named \a text; E_MS_LITERAL and \a ok false when unknown.
     static eMemberSource_t strToSource(const QString &text, bool *ok = nullptr);
 
 private:

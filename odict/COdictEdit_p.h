@@ -4,7 +4,7 @@
 #include "COdict_p.h"
 
 /// State of a COdictEdit: no data of its own; every editing operation is a virtual here.
-class KRODICT_EXPORT COdictEditPrivate : public COdictPrivate
+class COdictEditPrivate : public COdictPrivate
 {
     Q_DECLARE_PUBLIC(COdictEdit)
 public:

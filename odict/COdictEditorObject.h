@@ -14,7 +14,9 @@ public:
     COdictEditorObject();
     /// The base record of \a object; editor fields at their defaults.
     COdictEditorObject(const COdictObject &object);
+    /// Shares \a other's records until one of them changes.
     COdictEditorObject(const COdictEditorObject &other);
+    /// Shares \a other's records until one of them changes.
     COdictEditorObject &operator=(const COdictEditorObject &other);
     /// Replaces the base part only; the editor fields stay.
     COdictEditorObject &operator=(const COdictObject &object);
@@ -26,24 +28,34 @@ public:
     /// The base rule; the editor fields are not looked at.
     bool isValid() const override;
 
+    /// True when the base parts and all editor fields are equal.
     bool operator==(const COdictEditorObject &other) const;
+    /// True when some field differs.
     bool operator!=(const COdictEditorObject &other) const { return !(*this == other); }
 
     /// The default value as written by the author.
     QString defString() const;
+    /// Sets the default value text.
     void setDefString(const QString &text);
     /// Name of the firmware variable behind the object.
     QString fwVariablename() const;
+    /// Sets the firmware variable name.
     void setFwVariablename(const QString &name);
     /// Name of the firmware access function of the object.
     QString fwFunctionname() const;
+    /// Sets the firmware access function name.
     void setFwFunctionname(const QString &name);
+    /// One-line description for the author; empty when not set.
     QString shortDescription() const;
+    /// Sets the one-line description.
     void setShortDescription(const QString &text);
+    /// Full description for the author; empty when not set.
     QString description() const;
+    /// Sets the full description.
     void setDescription(const QString &text);
     /// The authoring tool's access type; stored without interpretation (default 1).
     int accessType() const;
+    /// Sets the access type (stored without interpretation).
     void setAccessType(int accessType);
 
     /// The file text of the data type ("U16").

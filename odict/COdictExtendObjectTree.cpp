@@ -1,5 +1,6 @@
 #include "COdictExtendObjectTree.h"
 
+#include "COdictExtendObjectTree_p.h"
 #include "CDataTypeParser.h"
 #include "COdictEditorObject.h"
 #include "COdictObject.h"
@@ -38,24 +39,40 @@ COdictEditorObject makeVirtual(const COdictEditorObject &owner, unsigned int sub
 
 } // namespace
 
+COdictExtendObjectTreePrivate::COdictExtendObjectTreePrivate(COdictExtendObjectTree *owner, eObjectType_t kind,
+                                                             ICLogfile *log)
+    : COdictObjectTreePrivate(owner, kind, log)
+{
+}
+
+COdictExtendObjectTreePrivate::COdictExtendObjectTreePrivate(COdictExtendObjectTree *owner,
+                                                             const COdictExtendObjectTreePrivate &other)
+    : COdictObjectTreePrivate(owner, other), filter(other.filter)
+{
+}
+
 COdictExtendObjectTree::COdictExtendObjectTree(eObjectType_t kind, ICLogfile *log, QObject *parent)
-    : COdictObjectTree(kind, log, parent)
+    : COdictObjectTree(*new COdictExtendObjectTreePrivate(this, kind, log), parent)
 {
 }
 
 COdictExtendObjectTree::COdictExtendObjectTree(const COdictExtendObjectTree &other)
-    : COdictObjectTree(other), m_filter(other.m_filter)
+    : COdictObjectTree(*new COdictExtendObjectTreePrivate(this, *other.d_func()), other.parent())
 {
 }
 
 COdictExtendObjectTree::~COdictExtendObjectTree() = default;
 
+VirtualObjectFlags COdictExtendObjectTree::objectFilter() const { return d_func()->filter; }
+void COdictExtendObjectTree::setObjectFilter(VirtualObjectFlags filter) { d_func()->filter = filter; }
+
 template <class X>
-COdictNode *COdictExtendObjectTree::createExtendedNode(const X &object, eItemType_t type, bool *ok)
+COdictNode *COdictExtendObjectTreePrivate::createExtendedNode(const X &object, eItemType_t type, bool *ok)
 {
     dropVirtualSubObjectsFor(object);
     bool created = false;
-    COdictNode *node = COdictObjectTree::createObjectNode(object, type, &created);
+    Q_Q(COdictExtendObjectTree);
+    COdictNode *node = q->COdictObjectTree::createObjectNode(object, type, &created);
     if (created)
         addVirtualSubObjects(node);
     if (ok)
@@ -65,26 +82,26 @@ COdictNode *COdictExtendObjectTree::createExtendedNode(const X &object, eItemTyp
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
 {
-    return createExtendedNode(object, type, ok);
+    return d_func()->createExtendedNode(object, type, ok);
 }
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
 {
-    return createExtendedNode(object, type, ok);
+    return d_func()->createExtendedNode(object, type, ok);
 }
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
 {
-    return createExtendedNode(object, type, ok);
+    return d_func()->createExtendedNode(object, type, ok);
 }
 
 COdictNode *COdictExtendObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
 {
-    return createExtendedNode(object, type, ok);
+    return d_func()->createExtendedNode(object, type, ok);
 }
 
 template <class X>
-void COdictExtendObjectTree::addVirtualSubObjectsOf(COdictNode *node, X &owner, const QList<unsigned int> &subIds)
+void COdictExtendObjectTreePrivate::addVirtualSubObjectsOf(COdictNode *node, X &owner, const QList<unsigned int> &subIds)
 {
     for (unsigned int subId : subIds) {
         bool made = false;
@@ -93,7 +110,7 @@ void COdictExtendObjectTree::addVirtualSubObjectsOf(COdictNode *node, X &owner, 
             continue;
         bool registered = false;
         // The base class registers: virtual sub-objects get no virtual sub-objects of their own.
-        COdictNode *child = COdictObjectTree::createObjectNode(sub, E_IT_SUBOBJECT, &registered);
+        COdictNode *child = q_func()->COdictObjectTree::createObjectNode(sub, E_IT_SUBOBJECT, &registered);
         if (!registered) {
             delete child; // a duplicate id was reported by the registration
             continue;
@@ -103,14 +120,14 @@ void COdictExtendObjectTree::addVirtualSubObjectsOf(COdictNode *node, X &owner, 
     }
 }
 
-void COdictExtendObjectTree::dropVirtualSubObjectsFor(const COdictObject &stored)
+void COdictExtendObjectTreePrivate::dropVirtualSubObjectsFor(const COdictObject &stored)
 {
     // The reader registers an object before its stored sub-objects, so its virtual sub-objects
     // already exist when the first stored one arrives. Stored sub-objects take precedence: the
     // virtual ones would share their sub-ids and get them refused as duplicates.
     if (!stored.isSubObject() || stored.isVirtual())
         return;
-    COdictNode *owner = node(COdictObjectId(stored.id()));
+    COdictNode *owner = idIndex.value(COdictObjectId(stored.id()), nullptr);
     COdictObject *ownerObject = owner && owner->hasData() ? owner->dataPtr()->objectPtr() : nullptr;
     if (!ownerObject)
         return;
@@ -125,7 +142,7 @@ void COdictExtendObjectTree::dropVirtualSubObjectsFor(const COdictObject &stored
     }
 }
 
-void COdictExtendObjectTree::addVirtualSubObjects(COdictNode *node)
+void COdictExtendObjectTreePrivate::addVirtualSubObjects(COdictNode *node)
 {
     COdictItem *item = node->dataPtr();
     COdictObject *object = item ? item->objectPtr() : nullptr;
@@ -134,10 +151,10 @@ void COdictExtendObjectTree::addVirtualSubObjects(COdictNode *node)
 
     QList<unsigned int> subIds;
     if (object->hasBitSet()) {
-        if (!(m_filter & E_VO_BITSET) || node->childCount() > 0 || object->dataSize() > maxBitSetObjectSize)
+        if (!(filter & E_VO_BITSET) || node->childCount() > 0 || object->dataSize() > maxBitSetObjectSize)
             return;
         subIds = object->possibleVirtualSubIds();
-    } else if (object->dataType() == NTypes::E_XY && (m_filter & E_VO_XY)
+    } else if (object->dataType() == NTypes::E_XY && (filter & E_VO_XY)
                && (object->isParameter() || object->isDatabaseParameter())
                && object->dataSize() >= CDataTypeParser::typeSize(NTypes::E_XY)) {
         subIds = object->possibleVirtualSubIds();

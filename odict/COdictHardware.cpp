@@ -1,5 +1,4 @@
-// Narrowing a loaded dictionary to one device of the device database.
-#include "COdict_p.h"
+#include "COdictHardware_p.h"
 
 #include "CDatabaseDeviceData.h"
 #include "CDeviceData.h"
@@ -34,12 +33,14 @@ QString trCOdict(const char *text)
 
 } // namespace
 
-bool COdictPrivate::applyHardwareDependencies(const CDeviceData &device, unsigned char pos)
+COdictHardware::COdictHardware(COdictObjectTree &tree, ICLogfile *log) : m_tree(tree), m_log(log) {}
+
+bool COdictHardware::apply(const CDeviceData &device, unsigned char pos)
 {
-    if (!device.isValid() || !tree)
+    if (!device.isValid())
         return false;
     const auto at = NkrDeviceDatabase::eSubDevicePos_t(pos);
-    auto object = [this](unsigned int id) { return tree->objectPtr(COdictObjectId(id)); };
+    auto object = [this](unsigned int id) { return m_tree.objectPtr(COdictObjectId(id)); };
     bool result = true;
 
     if (COdictObject *o = object(brakeObject)) {
@@ -57,7 +58,7 @@ bool COdictPrivate::applyHardwareDependencies(const CDeviceData &device, unsigne
                 narrowed.insert(entry);
         }
         if (narrowed.isEmpty())
-            CMessageBoardHelper::setCritical(trCOdict("The selection for '%1' is empty.").arg(o->uiShortInfo()), logfile, 0);
+            CMessageBoardHelper::setCritical(trCOdict("The selection for '%1' is empty.").arg(o->uiShortInfo()), m_log, 0);
         o->setEnumData(narrowed);
     } else {
         result = false;
@@ -75,7 +76,7 @@ bool COdictPrivate::applyHardwareDependencies(const CDeviceData &device, unsigne
         if (narrowed.isEmpty()) {
             const QString name = o->enumData().name(1, nullptr);
             CMessageBoardHelper::setCritical(
-                trCOdict("The selection for '%1' is empty. '%2' is added.").arg(o->uiShortInfo(), name), logfile, 0);
+                trCOdict("The selection for '%1' is empty. '%2' is added.").arg(o->uiShortInfo(), name), m_log, 0);
             narrowed.insert(1, name);
         }
         o->setEnumData(narrowed);
@@ -100,17 +101,17 @@ bool COdictPrivate::applyHardwareDependencies(const CDeviceData &device, unsigne
     return result;
 }
 
-bool COdictPrivate::applyHardwareDependencies(NTypes::uVersion_t version, const QString &device, unsigned char pos)
+std::unique_ptr<CDeviceData> COdictHardware::findDevice(NTypes::uVersion_t version, const QString &device)
 {
     // Each call uses its own connection, so concurrent dictionaries never share one.
     QScopedPointer<CDatabaseDeviceData> database(new CDatabaseDeviceData);
     const QString connectionName = QUuid::createUuid().toString();
     const QString path = CPath::programdataPath(true) + QStringLiteral("mx8dd.db");
     if (!database->openDatabase(path, connectionName))
-        return false;
+        return nullptr;
     NkrDeviceDatabase::eDdbState_t state = NkrDeviceDatabase::E_DDB_OK;
-    QScopedPointer<CDeviceData> data(database->data(version, device, state));
-    if (state != NkrDeviceDatabase::E_DDB_OK || !data)
-        return false;
-    return applyHardwareDependencies(*data, pos);
+    std::unique_ptr<CDeviceData> data(database->data(version, device, state));
+    if (state != NkrDeviceDatabase::E_DDB_OK)
+        return nullptr;
+    return data;
 }

@@ -22,26 +22,35 @@ class KRODICT_EXPORT COdictObjectBitSet
 public:
     /// One bit position and its text.
     struct sOdictObjectBitData_t {
+        /// bit position, 0 for the lowest bit
         unsigned int pos = 0;
+        /// the bit's text
         QString name;
 
+        /// True when position and text are equal.
         bool operator==(const sOdictObjectBitData_t &other) const
         {
             return pos == other.pos && name == other.name;
         }
+        /// True when position or text differ.
         bool operator!=(const sOdictObjectBitData_t &other) const { return !(*this == other); }
     };
 
     COdictObjectBitSet();
+    /// A copy of \a other's entries.
     COdictObjectBitSet(const COdictObjectBitSet &other);
+    /// Takes over \a other's entries.
     COdictObjectBitSet &operator=(const COdictObjectBitSet &other);
     virtual ~COdictObjectBitSet();
 
     /// Adds the entry, or replaces the text of a position already present.
     void insert(const unsigned int &pos, const QString &name);
+    /// Adds \a data, or replaces the text of a position already present.
     void insert(const sOdictObjectBitData_t &data);
+    /// Removes the entry of bit \a pos; nothing when absent.
     void remove(const unsigned int &pos);
 
+    /// Bit \a pos has an entry.
     bool contains(const unsigned int &pos) const;
     /// Some entry has exactly (case included) the text \a name.
     bool contains(const QString &name) const;
@@ -60,12 +69,16 @@ public:
     /// The positions in ascending order.
     QList<unsigned int> positions() const;
 
+    /// Number of entries.
     int size() const;
+    /// No entry.
     bool isEmpty() const;
     /// At least one entry.
     bool isValid() const;
 
+    /// True when both hold the same entries.
     bool operator==(const COdictObjectBitSet &other) const;
+    /// True when the entries differ.
     bool operator!=(const COdictObjectBitSet &other) const { return !(*this == other); }
 
 private:

@@ -22,26 +22,35 @@ class KRODICT_EXPORT COdictObjectEnum
 public:
     /// One value and its text.
     struct sOdictObjectEnumData_t {
+        /// the value
         long long value = 0;
+        /// the value's text
         QString name;
 
+        /// True when value and text are equal.
         bool operator==(const sOdictObjectEnumData_t &other) const
         {
             return value == other.value && name == other.name;
         }
+        /// True when value or text differ.
         bool operator!=(const sOdictObjectEnumData_t &other) const { return !(*this == other); }
     };
 
     COdictObjectEnum();
+    /// A copy of \a other's entries.
     COdictObjectEnum(const COdictObjectEnum &other);
+    /// Takes over \a other's entries.
     COdictObjectEnum &operator=(const COdictObjectEnum &other);
     virtual ~COdictObjectEnum();
 
     /// Adds the entry, or replaces the text of a value already present.
     void insert(const long long &value, const QString &name);
+    /// Adds \a data, or replaces the text of a value already present.
     void insert(const sOdictObjectEnumData_t &data);
+    /// Removes the entry of \a value; nothing when absent.
     void remove(const long long &value);
 
+    /// \a value has an entry.
     bool contains(const long long &value) const;
     /// Some entry has exactly (case included) the text \a name.
     bool contains(const QString &name) const;
@@ -58,12 +67,16 @@ public:
     /// The entries in ascending value order.
     QList<sOdictObjectEnumData_t> enums() const;
 
+    /// Number of entries.
     int size() const;
+    /// No entry.
     bool isEmpty() const;
     /// At least one entry.
     bool isValid() const;
 
+    /// True when both hold the same entries.
     bool operator==(const COdictObjectEnum &other) const;
+    /// True when the entries differ.
     bool operator!=(const COdictObjectEnum &other) const { return !(*this == other); }
 
 private:

@@ -1,12 +1,16 @@
 #include "COdictObjectTree.h"
 
+#include "COdictObjectTree_p.h"
 #include "CMessageBoardHelper.h"
 #include "COdictEditorObject.h"
 #include "COdictObject.h"
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
+#include "ICOdictStorage_p.h"
 
 #include <QCoreApplication>
+#include <QDate>
+#include <QTime>
 #include <QVector>
 
 using namespace NkrOdict;
@@ -41,98 +45,65 @@ COdictNode *walkPreOrder(COdictNode *top, Visit visit)
 
 } // namespace
 
-COdictObjectTree::COdictObjectTree(eObjectType_t kind, ICLogfile *log, QObject *parent)
-    : QObject(parent)
-    , m_kind(kind)
-    , m_log(log)
-    , m_root(new COdictNode(COdictItem()))
+// ---- COdictObjectTreePrivate ----
+
+COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, eObjectType_t kind, ICLogfile *log)
+    : q_ptr(owner), kind(kind), log(log), root(new COdictNode(COdictItem()))
 {
 }
 
-COdictObjectTree::COdictObjectTree(const COdictObjectTree &other)
-    : QObject(other.parent())
-    , m_kind(other.m_kind)
-    , m_log(other.m_log)
-    , m_root(other.m_root->clone())
-    , m_metaData(other.m_metaData)
-    , m_fileName(other.m_fileName)
-    , m_warnings(other.m_warnings)
-    , m_dataStructures(other.m_dataStructures)
-    , m_history(other.m_history)
+COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, const COdictObjectTreePrivate &other)
+    : q_ptr(owner)
+    , kind(other.kind)
+    , log(other.log)
+    , root(other.root->clone())
+    , metaData(other.metaData)
+    , fileName(other.fileName)
+    , warnings(other.warnings)
+    , dataStructures(other.dataStructures)
+    , history(other.history)
 {
     // Index entries are never copied: they are rebuilt so that they point into this tree.
-    indexSubtree(m_root);
+    COdictObjectTreePrivate::indexSubtree(root);
 }
 
-COdictObjectTree::~COdictObjectTree()
+COdictObjectTreePrivate::~COdictObjectTreePrivate()
 {
-    delete m_root;
-    qDeleteAll(m_unlinked);
+    delete root;
+    qDeleteAll(unlinked);
 }
 
-void COdictObjectTree::clear()
+void COdictObjectTreePrivate::clear()
 {
-    m_idIndex.clear();
-    m_nameIndex.clear();
-    m_root->removeAllChildren();
-    qDeleteAll(m_unlinked);
-    m_unlinked.clear();
-    m_metaData = CXMLMetaData();
-    m_dataStructures.clear();
-    m_warnings.clear();
+    idIndex.clear();
+    nameIndex.clear();
+    root->removeAllChildren();
+    qDeleteAll(unlinked);
+    unlinked.clear();
+    metaData = CXMLMetaData();
+    dataStructures.clear();
+    warnings.clear();
 }
 
-COdictNode *COdictObjectTree::createDictionaryNode(const QString &name) const
+COdictNode *COdictObjectTreePrivate::node(const COdictObjectName &name) const
 {
-    COdictItem item(objectType(), E_IT_DICTIONARY);
-    item.setName(name);
-    return new COdictNode(item);
-}
-
-COdictNode *COdictObjectTree::createGroupNode(const QString &name, const QString &uiName) const
-{
-    COdictItem item(objectType(), E_IT_GROUP);
-    item.setName(name);
-    item.setUiName(uiName);
-    return new COdictNode(item);
-}
-
-bool COdictObjectTree::isGroup(const COdictNode *node)
-{
-    return node && node->hasData() && node->dataPtr()->type() == E_IT_GROUP;
-}
-
-COdictNode *COdictObjectTree::node(const COdictObjectName &name) const
-{
-    if (COdictNode *found = m_nameIndex.value(name, nullptr))
+    if (COdictNode *found = nameIndex.value(name, nullptr))
         return found;
-    return findGroupNode(name.name());
+    return findGroupNode(name.name(), nullptr);
 }
 
-COdictObject *COdictObjectTree::objectPtr(const COdictObjectId &id) const
+COdictNode *COdictObjectTreePrivate::findNodeByRefId(const QUuid &refId) const
 {
-    const COdictNode *found = node(id);
-    return found && found->hasData() ? found->dataPtr()->objectPtr() : nullptr;
-}
-
-COdictObject *COdictObjectTree::objectPtr(const COdictObjectName &name) const
-{
-    const COdictNode *found = node(name);
-    return found && found->hasData() ? found->dataPtr()->objectPtr() : nullptr;
-}
-
-COdictNode *COdictObjectTree::findNodeByRefId(const QUuid &refId) const
-{
-    return walkPreOrder(m_root, [&refId](const COdictNode *node) {
+    return walkPreOrder(root, [&refId](const COdictNode *node) {
         return node->dataRef().refId() == refId ? E_STOP : E_DESCEND;
     });
 }
 
-COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *from) const
+COdictNode *COdictObjectTreePrivate::findGroupNode(const QString &name, COdictNode *from) const
 {
     if (name.isEmpty())
         return nullptr; // the root and unnamed nodes are not addressable by name
-    COdictNode *top = from ? from : m_root;
+    COdictNode *top = from ? from : root;
     return walkPreOrder(top, [&name, top](const COdictNode *node) {
         // Only groups are searched, plus the dictionary node that holds the top-level groups.
         const eItemType_t type = node->dataRef().type();
@@ -144,15 +115,15 @@ COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *fro
     });
 }
 
-unsigned int COdictObjectTree::highestId() const
+unsigned int COdictObjectTreePrivate::highestId() const
 {
-    if (m_idIndex.isEmpty())
+    if (idIndex.isEmpty())
         return 0;
     // Keys order by their packed form: plain ids first (key = id), then sub-objects by (id, sub-id).
     // The greatest id is that of the last key or that of the last plain key, whichever is larger.
-    unsigned int highest = std::prev(m_idIndex.cend()).key().id();
-    auto it = m_idIndex.lowerBound(COdictObjectId(1u, 0u)); // first key of a sub-object of id >= 1
-    while (it != m_idIndex.cbegin()) {
+    unsigned int highest = std::prev(idIndex.cend()).key().id();
+    auto it = idIndex.lowerBound(COdictObjectId(1u, 0u)); // first key of a sub-object of id >= 1
+    while (it != idIndex.cbegin()) {
         --it;
         // Sub-objects of id 0 pack below 2^32 and sit among the plain ids: step over them.
         if (it.key().subId() == 0xFFFFFFFFu) {
@@ -163,13 +134,13 @@ unsigned int COdictObjectTree::highestId() const
     return highest;
 }
 
-COdictObjectId COdictObjectTree::highestUId() const
+COdictObjectId COdictObjectTreePrivate::highestUId() const
 {
     // The greatest valid id with its greatest real sub-id, or its own key without sub-objects.
     // Keys order by their packed form, which puts every plain id before the sub-objects of ids
     // from 1 up and the sub-objects of id 0 among the plain ids, so all keys are looked at.
     COdictObjectId result(0xFFFFFFFFu, 0xFFFFFFFFu);
-    for (auto it = m_idIndex.cbegin(); it != m_idIndex.cend(); ++it) {
+    for (auto it = idIndex.cbegin(); it != idIndex.cend(); ++it) {
         const COdictObjectId &key = it.key();
         if (!key.isValid())
             continue;
@@ -183,13 +154,13 @@ COdictObjectId COdictObjectTree::highestUId() const
     return result;
 }
 
-QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) const
+QList<COdictObjectId> COdictObjectTreePrivate::allObjectUIds(const COdictNode *node) const
 {
     if (!node || !node->hasData())
         return {};
     const eItemType_t type = node->dataPtr()->type();
     if (type == E_IT_DICTIONARY)
-        return allObjectUIds();
+        return idIndex.keys();
     if (type != E_IT_GROUP)
         return {};
     // Direct object children in child order, nested groups spliced in at their places.
@@ -213,30 +184,13 @@ QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) co
     return ids;
 }
 
-QList<unsigned int> COdictObjectTree::allObjectIds() const
-{
-    QList<unsigned int> ids;
-    ids.reserve(m_idIndex.size());
-    for (auto it = m_idIndex.cbegin(); it != m_idIndex.cend(); ++it)
-        ids.append(it.key().id());
-    return ids;
-}
-
-QList<unsigned int> COdictObjectTree::allObjectIds(const COdictNode *node) const
-{
-    QList<unsigned int> ids;
-    for (const COdictObjectId &uid : allObjectUIds(node))
-        ids.append(uid.id());
-    return ids;
-}
-
-COdictNode *COdictObjectTree::registerNode(COdictItem *item, bool *ok)
+COdictNode *COdictObjectTreePrivate::registerNode(COdictItem *item, bool *ok)
 {
     auto *created = new COdictNode;
     created->setItem(item);
     const COdictObject *object = item->objectPtr();
     const COdictObjectId uid = object ? object->uniqueId() : COdictObjectId();
-    COdictNode *existing = m_idIndex.value(uid, nullptr);
+    COdictNode *existing = idIndex.value(uid, nullptr);
     if (!object || existing) {
         if (existing) {
             const QString message = QStringLiteral("%1 : %2 %3; %4, %5")
@@ -244,134 +198,94 @@ COdictNode *COdictObjectTree::registerNode(COdictItem *item, bool *ok)
                      QCoreApplication::translate("COdictObjectTree", "ID 0x%1").arg(object->id(), 0, 16),
                      QCoreApplication::translate("COdictObjectTree", "Sub-ID 0x%1").arg(object->subId(), 0, 16),
                      existing->dataRef().name(), object->name());
-            CMessageBoardHelper::setCritical(message, m_log, 0);
+            CMessageBoardHelper::setCritical(message, log, 0);
         }
         if (ok)
             *ok = false;
         return created;
     }
-    m_idIndex.insert(uid, created);
-    m_nameIndex.insert(object->uniqueName(), created);
+    idIndex.insert(uid, created);
+    nameIndex.insert(object->uniqueName(), created);
     if (ok)
         *ok = true;
     return created;
 }
 
 template <class X>
-COdictNode *COdictObjectTree::createNodeOf(const X &object, eItemType_t type, bool *ok)
+COdictNode *COdictObjectTreePrivate::createObjectNode(const X &object, eItemType_t type, bool *ok)
 {
     auto *item = new COdictItem(object);
     item->setType(type);
     return registerNode(item, ok);
 }
 
-COdictNode *COdictObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
-{
-    return createNodeOf(object, type, ok);
-}
-
-COdictNode *COdictObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
-{
-    return createNodeOf(object, type, ok);
-}
-
-COdictNode *COdictObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
-{
-    return createNodeOf(object, type, ok);
-}
-
-COdictNode *COdictObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
-{
-    return createNodeOf(object, type, ok);
-}
-
-void COdictObjectTree::indexSubtree(COdictNode *node)
+void COdictObjectTreePrivate::indexSubtree(COdictNode *node)
 {
     // Pre-order, as the nodes were registered: of nodes sharing a name, the later one keeps the
     // name index entry, as in the tree that was copied.
     walkPreOrder(node, [this](COdictNode *current) {
         const COdictItem &item = current->dataRef();
         if (item.isObjectItem() && item.hasObject()) {
-            m_idIndex.insert(item.objectPtr()->uniqueId(), current);
-            m_nameIndex.insert(item.objectPtr()->uniqueName(), current);
+            idIndex.insert(item.objectPtr()->uniqueId(), current);
+            nameIndex.insert(item.objectPtr()->uniqueName(), current);
         }
         return E_DESCEND;
     });
 }
 
-void COdictObjectTree::unindexSubtree(COdictNode *node)
+void COdictObjectTreePrivate::unindexSubtree(COdictNode *node)
 {
     walkPreOrder(node, [this](COdictNode *current) {
         const COdictItem &item = current->dataRef();
         if (item.isObjectItem() && item.hasObject()) {
             const COdictObjectId uid = item.objectPtr()->uniqueId();
-            if (m_idIndex.value(uid, nullptr) == current)
-                m_idIndex.remove(uid);
+            if (idIndex.value(uid, nullptr) == current)
+                idIndex.remove(uid);
             removeName(item.objectPtr()->uniqueName(), current);
         }
         return E_DESCEND;
     });
 }
 
-void COdictObjectTree::removeName(const COdictObjectName &name, const COdictNode *node)
+void COdictObjectTreePrivate::removeName(const COdictObjectName &name, const COdictNode *node)
 {
-    auto it = m_nameIndex.find(name);
-    if (it != m_nameIndex.end() && it.value() == node)
-        m_nameIndex.erase(it);
+    auto it = nameIndex.find(name);
+    if (it != nameIndex.end() && it.value() == node)
+        nameIndex.erase(it);
 }
 
 template <class X>
-bool COdictObjectTree::replaceObjectOf(const X &object, const COdictObjectId &oldId)
+bool COdictObjectTreePrivate::replaceObject(const X &object, const COdictObjectId &oldId)
 {
     if (!object.isValid())
         return false;
     const COdictObjectId from = oldId.isNull() ? object.uniqueId() : oldId;
-    COdictNode *target = m_idIndex.value(from, nullptr);
+    COdictNode *target = idIndex.value(from, nullptr);
     if (!target || !target->hasData())
         return false;
     COdictItem *item = target->dataPtr();
     const COdictObjectId to = object.uniqueId();
-    if (from != to && m_idIndex.value(to, nullptr))
+    if (from != to && idIndex.value(to, nullptr))
         return false; // the new id belongs to another node
     // The item may refuse the object's kind; the indexes follow only an accepted object.
     const COdictObjectName currentName = item->uniqueName();
     if (!item->setObject(object))
         return false;
     if (from != to) {
-        m_idIndex.remove(from);
-        m_idIndex.insert(to, target);
+        idIndex.remove(from);
+        idIndex.insert(to, target);
     }
     if (currentName != object.uniqueName()) {
         removeName(currentName, target);
-        m_nameIndex.insert(object.uniqueName(), target);
+        nameIndex.insert(object.uniqueName(), target);
     }
     return true;
 }
 
-bool COdictObjectTree::replaceObject(const COdictObject &object, const COdictObjectId &oldId)
+bool COdictObjectTreePrivate::changeObjectId(const COdictObjectId &from, const COdictObjectId &to)
 {
-    return replaceObjectOf(object, oldId);
-}
-
-bool COdictObjectTree::replaceObject(const COdictValueObject &object, const COdictObjectId &oldId)
-{
-    return replaceObjectOf(object, oldId);
-}
-
-bool COdictObjectTree::replaceObject(const COdictEditorObject &object, const COdictObjectId &oldId)
-{
-    return replaceObjectOf(object, oldId);
-}
-
-bool COdictObjectTree::replaceObject(const COdictParameterObject &object, const COdictObjectId &oldId)
-{
-    return replaceObjectOf(object, oldId);
-}
-
-bool COdictObjectTree::changeObjectId(const COdictObjectId &from, const COdictObjectId &to)
-{
-    COdictNode *target = m_idIndex.value(from, nullptr);
-    if (!target || m_idIndex.value(to, nullptr))
+    COdictNode *target = idIndex.value(from, nullptr);
+    if (!target || idIndex.value(to, nullptr))
         return false;
     bool result = true;
     if (from.subId() == 0xFFFFFFFFu) {
@@ -386,19 +300,250 @@ bool COdictObjectTree::changeObjectId(const COdictObjectId &from, const COdictOb
             result = changeObjectId(childId, COdictObjectId(to.id(), childId.subId())) && result;
         }
     }
-    m_idIndex.remove(from);
-    m_idIndex.insert(to, target);
+    idIndex.remove(from);
+    idIndex.insert(to, target);
     return result;
 }
 
-void COdictObjectTree::setMetaData(const CXMLMetaData &meta)
+void COdictObjectTreePrivate::setMetaData(const CXMLMetaData &meta)
 {
-    m_metaData = meta;
-    m_history.prepend(meta); // replaces the record of the same version in place
+    metaData = meta;
+    history.prepend(meta); // replaces the record of the same version in place
 }
 
-void COdictObjectTree::addWarning(const QString &text)
+void COdictObjectTreePrivate::addWarning(const QString &text)
 {
-    m_warnings.append(text);
-    CMessageBoardHelper::setWarning(text, m_log, 0);
+    warnings.append(text);
+    CMessageBoardHelper::setWarning(text, log, 0);
 }
+
+int COdictObjectTreePrivate::load(const QString &name, const QString &documentType)
+{
+    Q_Q(COdictObjectTree);
+    warnings.clear();
+    // A parameter dictionary reads the type it is asked for; every other kind reads dictionaries,
+    // whatever was asked (a parameter-set file only fits a parameter dictionary).
+    const bool parameters = q->objectType() == E_OT_PARAMETER;
+    const QString type = parameters ? (documentType.isEmpty() ? ICOdictStorage::parameterSetType() : documentType)
+                                    : ICOdictStorage::dictionaryType();
+    const ICOdictStorage *storage = ICOdictStorage::current();
+    QString error;
+    const int opened = storage ? storage->read(*q, name, type, !parameters, log, &error) : 1;
+    fileName = name;
+    if (opened != 0) {
+        if (!error.isEmpty())
+            addWarning(error);
+        return 1;
+    }
+    if (!parameters && q->objectType() != E_OT_EDITOR) {
+        // Only editor dictionaries keep history and data structures.
+        history.clear();
+        dataStructures.clear();
+    }
+    return 0;
+}
+
+int COdictObjectTreePrivate::save(const QString &name)
+{
+    Q_Q(COdictObjectTree);
+    const ICOdictStorage *storage = ICOdictStorage::current();
+    if (!storage)
+        return 2;
+    QString error;
+    int result;
+    if (q->objectType() == E_OT_PARAMETER) {
+        const CXMLMetaData meta(QDate::currentDate(), QTime::currentTime(), QStringLiteral("veltrasuite4"),
+                                QStringLiteral("Values of all parameter setzt."), metaData.version());
+        result = storage->write(*q, name, ICOdictStorage::parameterSetType(), meta, false, log, &error);
+    } else {
+        result = storage->write(*q, name, ICOdictStorage::dictionaryType(), metaData, true, log, &error);
+    }
+    if (result == 0)
+        fileName = name; // the dictionary now lives in the file it was saved to
+    return result;
+}
+
+// ---- COdictObjectTree ----
+
+COdictObjectTree::COdictObjectTree(eObjectType_t kind, ICLogfile *log, QObject *parent)
+    : QObject(parent), d_ptr(new COdictObjectTreePrivate(this, kind, log))
+{
+}
+
+COdictObjectTree::COdictObjectTree(const COdictObjectTree &other)
+    : QObject(other.parent()), d_ptr(new COdictObjectTreePrivate(this, *other.d_ptr))
+{
+}
+
+COdictObjectTree::COdictObjectTree(COdictObjectTreePrivate &dd, QObject *parent) : QObject(parent), d_ptr(&dd) {}
+
+COdictObjectTree::~COdictObjectTree() = default;
+
+eObjectType_t COdictObjectTree::objectType() const { return d_func()->kind; }
+ICLogfile *COdictObjectTree::logfile() const { return d_func()->log; }
+void COdictObjectTree::setLogfile(ICLogfile *log) { d_func()->log = log; }
+void COdictObjectTree::clear() { d_func()->clear(); }
+COdictNode *COdictObjectTree::rootNode() const { return d_func()->root; }
+COdictNode *COdictObjectTree::dictionaryNode() const { return d_func()->root->child(0); }
+
+COdictNode *COdictObjectTree::createDictionaryNode(const QString &name) const
+{
+    COdictItem item(objectType(), E_IT_DICTIONARY);
+    item.setName(name);
+    return new COdictNode(item);
+}
+
+COdictNode *COdictObjectTree::createGroupNode(const QString &name, const QString &uiName) const
+{
+    COdictItem item(objectType(), E_IT_GROUP);
+    item.setName(name);
+    item.setUiName(uiName);
+    return new COdictNode(item);
+}
+
+bool COdictObjectTree::isGroup(const COdictNode *node)
+{
+    return node && node->hasData() && node->dataPtr()->type() == E_IT_GROUP;
+}
+
+COdictNode *COdictObjectTree::node(const COdictObjectId &id) const { return d_func()->idIndex.value(id, nullptr); }
+COdictNode *COdictObjectTree::node(unsigned int id, unsigned int subId) const { return node(COdictObjectId(id, subId)); }
+COdictNode *COdictObjectTree::node(const COdictObjectName &name) const { return d_func()->node(name); }
+COdictNode *COdictObjectTree::node(const QString &name, unsigned int subId) const { return node(COdictObjectName(name, subId)); }
+
+COdictObject *COdictObjectTree::objectPtr(const COdictObjectId &id) const
+{
+    const COdictNode *found = node(id);
+    return found && found->hasData() ? found->dataPtr()->objectPtr() : nullptr;
+}
+
+COdictObject *COdictObjectTree::objectPtr(unsigned int id, unsigned int subId) const
+{
+    return objectPtr(COdictObjectId(id, subId));
+}
+
+COdictObject *COdictObjectTree::objectPtr(const COdictObjectName &name) const
+{
+    const COdictNode *found = node(name);
+    return found && found->hasData() ? found->dataPtr()->objectPtr() : nullptr;
+}
+
+COdictObject *COdictObjectTree::objectPtr(const QString &name, unsigned int subId) const
+{
+    return objectPtr(COdictObjectName(name, subId));
+}
+
+COdictNode *COdictObjectTree::findNodeByRefId(const QUuid &refId) const { return d_func()->findNodeByRefId(refId); }
+
+COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *from) const
+{
+    return d_func()->findGroupNode(name, from);
+}
+
+unsigned int COdictObjectTree::highestId() const { return d_func()->highestId(); }
+COdictObjectId COdictObjectTree::highestUId() const { return d_func()->highestUId(); }
+QList<COdictObjectId> COdictObjectTree::allObjectUIds() const { return d_func()->idIndex.keys(); }
+
+QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) const
+{
+    return d_func()->allObjectUIds(node);
+}
+
+QList<unsigned int> COdictObjectTree::allObjectIds() const
+{
+    const IdIndex &index = d_func()->idIndex;
+    QList<unsigned int> ids;
+    ids.reserve(index.size());
+    for (auto it = index.cbegin(); it != index.cend(); ++it)
+        ids.append(it.key().id());
+    return ids;
+}
+
+QList<unsigned int> COdictObjectTree::allObjectIds(const COdictNode *node) const
+{
+    QList<unsigned int> ids;
+    for (const COdictObjectId &uid : allObjectUIds(node))
+        ids.append(uid.id());
+    return ids;
+}
+
+COdictNode *COdictObjectTree::registerNode(COdictItem *item, bool *ok) { return d_func()->registerNode(item, ok); }
+
+COdictNode *COdictObjectTree::createObjectNode(const COdictObject &object, eItemType_t type, bool *ok)
+{
+    return d_func()->createObjectNode(object, type, ok);
+}
+
+COdictNode *COdictObjectTree::createObjectNode(const COdictValueObject &object, eItemType_t type, bool *ok)
+{
+    return d_func()->createObjectNode(object, type, ok);
+}
+
+COdictNode *COdictObjectTree::createObjectNode(const COdictEditorObject &object, eItemType_t type, bool *ok)
+{
+    return d_func()->createObjectNode(object, type, ok);
+}
+
+COdictNode *COdictObjectTree::createObjectNode(const COdictParameterObject &object, eItemType_t type, bool *ok)
+{
+    return d_func()->createObjectNode(object, type, ok);
+}
+
+void COdictObjectTree::indexSubtree(COdictNode *node) { d_func()->indexSubtree(node); }
+void COdictObjectTree::unindexSubtree(COdictNode *node) { d_func()->unindexSubtree(node); }
+
+bool COdictObjectTree::replaceObject(const COdictObject &object, const COdictObjectId &oldId)
+{
+    return d_func()->replaceObject(object, oldId);
+}
+
+bool COdictObjectTree::replaceObject(const COdictValueObject &object, const COdictObjectId &oldId)
+{
+    return d_func()->replaceObject(object, oldId);
+}
+
+bool COdictObjectTree::replaceObject(const COdictEditorObject &object, const COdictObjectId &oldId)
+{
+    return d_func()->replaceObject(object, oldId);
+}
+
+bool COdictObjectTree::replaceObject(const COdictParameterObject &object, const COdictObjectId &oldId)
+{
+    return d_func()->replaceObject(object, oldId);
+}
+
+bool COdictObjectTree::changeObjectId(const COdictObjectId &from, const COdictObjectId &to)
+{
+    return d_func()->changeObjectId(from, to);
+}
+
+void COdictObjectTree::removeName(const COdictObjectName &name, const COdictNode *node) { d_func()->removeName(name, node); }
+void COdictObjectTree::insertName(const COdictObjectName &name, COdictNode *node) { d_func()->nameIndex.insert(name, node); }
+void COdictObjectTree::removeId(const COdictObjectId &id) { d_func()->idIndex.remove(id); }
+void COdictObjectTree::insertId(const COdictObjectId &id, COdictNode *node) { d_func()->idIndex.insert(id, node); }
+const COdictObjectTree::IdIndex &COdictObjectTree::idIndex() const { return d_func()->idIndex; }
+const COdictObjectTree::NameIndex &COdictObjectTree::nameIndex() const { return d_func()->nameIndex; }
+
+CXMLMetaData COdictObjectTree::metaData() const { return d_func()->metaData; }
+void COdictObjectTree::setMetaData(const CXMLMetaData &meta) { d_func()->setMetaData(meta); }
+void COdictObjectTree::setMetaDataOnly(const CXMLMetaData &meta) { d_func()->metaData = meta; }
+const COdictHistory &COdictObjectTree::history() const { return d_func()->history; }
+void COdictObjectTree::setHistory(const COdictHistory &history) { d_func()->history = history; }
+COdictDataStructure &COdictObjectTree::dataStructures() { return d_func()->dataStructures; }
+const COdictDataStructure &COdictObjectTree::dataStructures() const { return d_func()->dataStructures; }
+void COdictObjectTree::setDataStructures(const COdictDataStructure &list) { d_func()->dataStructures = list; }
+
+QString COdictObjectTree::fileName() const { return d_func()->fileName; }
+void COdictObjectTree::setFileName(const QString &fileName) { d_func()->fileName = fileName; }
+QStringList COdictObjectTree::warningMessages() const { return d_func()->warnings; }
+void COdictObjectTree::clearWarningMessages() { d_func()->warnings.clear(); }
+void COdictObjectTree::addWarning(const QString &text) { d_func()->addWarning(text); }
+
+int COdictObjectTree::load(const QString &fileName, const QString &documentType)
+{
+    return d_func()->load(fileName, documentType);
+}
+
+int COdictObjectTree::save(const QString &fileName) { return d_func()->save(fileName); }
+void COdictObjectTree::adoptUnlinkedNode(COdictNode *node) { d_func()->unlinked.append(node); }
+void COdictObjectTree::notifyChanged() { emit objectDictionaryChanged(); }

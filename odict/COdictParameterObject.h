@@ -15,7 +15,9 @@ public:
     COdictParameterObject();
     /// The base record of \a object; no values, error 0.
     COdictParameterObject(const COdictObject &object);
+    /// Shares \a other's records until one of them changes.
     COdictParameterObject(const COdictParameterObject &other);
+    /// Shares \a other's records until one of them changes.
     COdictParameterObject &operator=(const COdictParameterObject &other);
     /// Replaces the base part only; values and error stay.
     COdictParameterObject &operator=(const COdictObject &object);
@@ -34,19 +36,26 @@ public:
     virtual QVariant value(int index) const;
     /// Replaces all values.
     virtual void setValues(const QMap<int, QVariant> &values);
+    /// The values by parameter-set index.
     virtual QMap<int, QVariant> values() const;
 
+    /// True when the base parts, values and error are equal.
     bool operator==(const COdictParameterObject &other) const;
+    /// True when some field differs.
     bool operator!=(const COdictParameterObject &other) const { return !(*this == other); }
 
+    /// The error code of the last access; 0 when none.
     int error() const;
+    /// Sets the error code.
     void setError(int error);
+    /// Sets the error code to 0.
     void clearError();
 
     /// COdictObject::createVirtualSubObject() for a parameter object; each parameter set's
     /// value is the sub-object's element (bit, or I32 half of a type-24 pair) of the owner's
     /// value of that set. Sets whose value does not hold the element get no value.
     static COdictParameterObject createVirtualSubObject(const COdictParameterObject &parent, unsigned int subId, bool *ok);
+    /// Turns \a target, a copy of the owner, into its virtual sub-object \a subId; false and unchanged when there is none.
     static bool createVirtualSubObject(COdictParameterObject &target, unsigned int subId);
 
 private:

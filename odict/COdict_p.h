@@ -8,7 +8,7 @@ class COdictObjectTree;
 
 /// State of a COdict. Every operation a derived dictionary changes is a virtual here; the public
 /// class only forwards.
-class KRODICT_EXPORT COdictPrivate
+class COdictPrivate
 {
     Q_DECLARE_PUBLIC(COdict)
 public:

@@ -11,6 +11,7 @@ class CTreeNode
 {
 public:
     CTreeNode() = default;
+    /// A node without parent owning a copy of \a item.
     explicit CTreeNode(const T &item) : m_item(new T(item)) {}
     CTreeNode(const CTreeNode &) = delete;
     CTreeNode &operator=(const CTreeNode &) = delete;
@@ -54,14 +55,20 @@ public:
 
     /// A copy of the item, or of the shared default item when there is none.
     virtual T data() const { return dataRef(); }
+    /// The owned item; null when the node has none.
     virtual T *dataPtr() const { return m_item; }
+    /// The owned item, or the shared default item when there is none.
     virtual const T &dataRef() const { return m_item ? *m_item : T::sharedDefaultItem(); }
+    /// The parent node (not owned); null for a root or an unlinked node.
     virtual CTreeNode *parent() const { return m_parent; }
+    /// The child nodes in order; owned by this node.
     virtual QList<CTreeNode *> children() const { return m_children; }
+    /// The child at \a index; null when out of range.
     virtual CTreeNode *child(int index) const
     {
         return index >= 0 && index < m_children.size() ? m_children.at(index) : nullptr;
     }
+    /// Number of children.
     virtual int childCount() const { return m_children.size(); }
     /// Index in the parent's children; 0 without parent.
     virtual int row() const
@@ -70,6 +77,7 @@ public:
             return 0;
         return qMax(0, m_parent->m_children.indexOf(const_cast<CTreeNode *>(this)));
     }
+    /// The node owns an item.
     virtual bool hasData() const { return m_item != nullptr; }
     /// Assigns into the existing item (which so takes over the argument's reference id), or stores a copy.
     virtual void setData(const T &item)
@@ -79,12 +87,15 @@ public:
         else
             m_item = new T(item);
     }
+    /// Sets the parent pointer only; the parent's child list is not changed.
     virtual void setParent(CTreeNode *parent) { m_parent = parent; }
+    /// Appends \a child and takes ownership of it.
     virtual void appendChild(CTreeNode *child)
     {
         child->m_parent = this;
         m_children.append(child);
     }
+    /// Inserts \a child at \a index and takes ownership; false for null or an index out of range.
     virtual bool insertChild(CTreeNode *child, int index)
     {
         if (!child || index < 0 || index > m_children.size())
@@ -103,11 +114,13 @@ public:
         child->m_parent = nullptr;
         return child;
     }
+    /// Unlinks and deletes \a child; false when it is not a child.
     virtual bool removeChild(CTreeNode *child)
     {
         const int index = m_children.indexOf(child);
         return index >= 0 && removeChild(index);
     }
+    /// Unlinks and deletes the child at \a index; false when out of range.
     virtual bool removeChild(int index)
     {
         if (index < 0 || index >= m_children.size())
@@ -115,6 +128,7 @@ public:
         delete m_children.takeAt(index);
         return true;
     }
+    /// Deletes \a count children from \a start; false and nothing removed when out of range.
     virtual bool removeChildren(int start, int count)
     {
         if (start < 0 || count < 0 || start + count > m_children.size())
@@ -123,6 +137,7 @@ public:
             delete m_children.takeAt(start);
         return true;
     }
+    /// Deletes every child (and their subtrees); always true.
     virtual bool removeAllChildren()
     {
         const QList<CTreeNode *> children = m_children;

@@ -4,7 +4,7 @@ set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 # Paths below the checkout are hashed relative to it, so clones and worktrees share ccache hits.
 export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$ROOT}"
-PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libbenchmark-dev python3)
+PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libbenchmark-dev python3 doxygen)
 
 install_missing() {
     local missing=()

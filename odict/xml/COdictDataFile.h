@@ -31,6 +31,7 @@ public:
     static const QString fileVersion; ///< "1.0.0"; files of any other version are read as well
 
     COdictDataFile();
+    /// An empty data file whose messages go to \a log (not owned; null silences).
     explicit COdictDataFile(ICLogfile *log);
     /// Takes over an already loaded document \a doc (shared, not copied) and its head.
     COdictDataFile(const CDomDoc &doc, ICLogfile *log);
@@ -42,6 +43,7 @@ public:
     /// Stored texts end at their first U+0000 and leave out characters XML 1.0 cannot carry,
     /// so that the saved file always loads again.
     virtual bool addObjectToElement(QDomElement element, const COdictValueObject &object);
+    /// The same for a parameter object, with one entry per parameter set.
     virtual bool addObjectToElement(QDomElement element, const COdictParameterObject &object);
     /// Fills \a object from the "Object" record \a element: the fields of the record, their
     /// defaults for missing ones, and the current value (null when the record has none or it is
@@ -55,11 +57,13 @@ public:
     virtual bool objectFromElement(COdictParameterObject &object, QDomElement element) const;
     /// Adds every object of \a objects to \a element, in list order; false when \a element is null.
     virtual bool addObjectsToElement(QDomElement element, const QList<COdictValueObject> &objects);
+    /// The same for parameter objects.
     virtual bool addObjectsToElement(QDomElement element, const QList<COdictParameterObject> &objects);
     /// Reads every "Object" element below \a element, at any depth and in document order, each
     /// once (also records nested inside other records), and appends it to \a objects. The AND of
     /// all single reads; false for a null element. Nesting depth is not limited by the stack.
     virtual bool objectsFromElement(QList<COdictValueObject> &objects, QDomElement element) const;
+    /// The same for parameter objects.
     virtual bool objectsFromElement(QList<COdictParameterObject> &objects, QDomElement element) const;
     /// As above, inserted under their unique id: a later record with the same id replaces an
     /// earlier one.
@@ -70,11 +74,14 @@ public:
     /// Finds or creates "Data" under the document element and adds \a objects to it; false when
     /// there is no document.
     virtual bool setObjects(const QList<COdictValueObject> &objects);
+    /// The same for parameter objects.
     virtual bool setObjects(const QList<COdictParameterObject> &objects);
     /// Appends the records below "Data" to \a objects (see objectsFromElement()); false when
     /// there is no "Data" element or a record could not be read.
     virtual bool objects(QList<COdictValueObject> &objects) const;
+    /// The same for parameter objects.
     virtual bool objects(QList<COdictParameterObject> &objects) const;
+    /// The same, inserted under their unique id (a later record replaces an earlier one).
     virtual bool objects(QMap<COdictObjectId, COdictParameterObject> &objects) const;
 
     /// \a text with every U+FFFF (erased firmware memory) replaced by U+0000.
@@ -83,24 +90,30 @@ public:
     /// more), the text through corrStr() for USTRING, UTF8_STRING and WCHAR_ARRAY, otherwise the
     /// core library's text form of the data type.
     QString valueToStr(const QVariant &value, const COdictValueObject &object) const;
+    /// The same for a parameter object.
     QString valueToStr(const QVariant &value, const COdictParameterObject &object) const;
     /// Data type named by the "Type" child of \a element; E_UNKNOWN when it is missing or unknown.
     NTypes::eTypes_t objectType(QDomElement element) const;
 
     /// "Name" and "Version" of the "Application" record; empty when missing.
     QString applicationName() const;
+    /// "Version" of the "Application" record; empty when missing.
     QString applicationVersion() const;
 
     // Whole files. The head written is metaData() stamped with the current date and time.
+    /// Writes a new data file of the current values of \a objects atomically; false when it cannot be written.
     bool saveValues(const QString &fileName, const QList<COdictValueObject> &objects,
                     const QString &appName, const QString &appVersion);
+    /// Writes a new data file of the parameter-set values of \a objects atomically; false when it cannot be written.
     bool saveParameters(const QString &fileName, const QList<COdictParameterObject> &objects,
                         const QString &appName, const QString &appVersion);
     /// Opens \a fileName as a data file and replaces \a objects with its records. False when the
     /// file cannot be opened or read as a data file, or when a record could not be read
     /// completely (the records are still delivered); \a errorText receives the reason.
     bool loadValues(const QString &fileName, QList<COdictValueObject> &objects, QString *errorText = nullptr);
+    /// loadValues() for parameter objects.
     bool loadParameters(const QString &fileName, QList<COdictParameterObject> &objects, QString *errorText = nullptr);
+    /// loadValues() for parameter objects, inserted under their unique id.
     bool loadParameters(const QString &fileName, QMap<COdictObjectId, COdictParameterObject> &objects,
                         QString *errorText = nullptr);
 

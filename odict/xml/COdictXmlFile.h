@@ -25,6 +25,7 @@ public:
     static const QString parameterSetType; ///< "KiroParameterSets"
     static const QString formatVersion;    ///< "1.2.0"
 
+    /// A reader and writer whose messages go to \a log (not owned; null silences).
     explicit COdictXmlFile(ICLogfile *log = nullptr);
     ~COdictXmlFile() override;
 

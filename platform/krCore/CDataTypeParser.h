@@ -20,5 +20,6 @@ public:
     static QString typeToEnum(NTypes::eTypes_t type);
     /// Limits of types 1 to 11 and 23 as values of that type; a null value for the others.
     static CVariant minTypeValue(NTypes::eTypes_t type);
+    /// The upper limit of types 1 to 11 and 23 as a value of that type; a null value for the others.
     static CVariant maxTypeValue(NTypes::eTypes_t type);
 };

@@ -33,35 +33,52 @@ public:
     static CVariant fromVariant(const QVariant &value, NTypes::eTypes_t type);
     /// Builds a value directly from a number (clamped to nothing: the caller picks the type).
     static CVariant fromI64(qint64 value, NTypes::eTypes_t type);
+    /// Builds a value of \a type directly from an unsigned number.
     static CVariant fromU64(quint64 value, NTypes::eTypes_t type);
+    /// Builds a value of \a type directly from a floating-point number.
     static CVariant fromF64(double value, NTypes::eTypes_t type);
 
+    /// No value (a null value still has its type).
     bool isNull() const;
+    /// The data type of the value.
     NTypes::eTypes_t type() const { return m_type; }
     /// Number of elements: 1 for a scalar, n for an array built from bytes.
     int count() const { return m_count; }
+    /// More than one element.
     bool isArray() const { return m_count > 1; }
 
     /// Text form that the text constructor reads back; empty for a null value.
     QString toStr() const;
+    /// The value as a signed integer; 0 with \a ok false when it is not a number.
     qint64 toI64(bool *ok = nullptr) const;
+    /// The value as an unsigned integer; 0 with \a ok false when it is not a number.
     quint64 toU64(bool *ok = nullptr) const;
+    /// The value as a floating-point number; 0 with \a ok false when it is not a number.
     double toF64(bool *ok = nullptr) const;
+    /// The value as a truth value; false with \a ok false for a null value or an array.
     bool toBool(bool *ok = nullptr) const;
     /// The little-endian bytes of the value (numbers in their type's size, texts as UTF-8,
     /// UTF-16 for USTRING and WCHAR_ARRAY).
     QByteArray toByteArray() const;
+    /// The value as stored in a QVariant.
     QVariant toVariant() const { return m_value; }
+    /// Same as toVariant().
     operator QVariant() const { return m_value; }
 
+    /// True when type, element count and value are equal.
     bool operator==(const CVariant &other) const;
+    /// True when type, count or value differ.
     bool operator!=(const CVariant &other) const { return !(*this == other); }
 
     /// Whether \a type is stored as bytes (and shown as hexadecimal text).
     static bool isByteType(NTypes::eTypes_t type);
+    /// Whether \a type holds text.
     static bool isTextType(NTypes::eTypes_t type);
+    /// Whether \a type is a signed integer type.
     static bool isSignedType(NTypes::eTypes_t type);
+    /// Whether \a type is stored as an unsigned integer (U8 to U64 and the time types; not BOOL).
     static bool isUnsignedType(NTypes::eTypes_t type);
+    /// Whether \a type is F32 or F64.
     static bool isFloatType(NTypes::eTypes_t type);
 
 private:

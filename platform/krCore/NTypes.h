@@ -43,26 +43,35 @@ enum eTypes_t : quint32 {
     E_TYPE_COUNT = 33 ///< number of types, not a type
 };
 
+/// The largest 32-bit number, also the "absent" value of ids and units.
 constexpr quint32 U32_MAX = 0xFFFFFFFFu;
 
 /// 32-bit version word: main in bits 31..24, minor in 23..16, build in 15..0 (0x011C002A is 1.28.42).
 union uVersion_t {
+    /// the whole word
     quint32 value;
     struct {
         quint16 build;
         qint8 minor;
         qint8 main;
-    } part;
+    } part; ///< the three parts
 
+    /// The version of the word \a v.
     constexpr uVersion_t(quint32 v = 0) : value(v) {}
+    /// The version main.minor.build.
     static uVersion_t fromParts(int main, int minor, int build)
     {
         return uVersion_t((quint32(quint8(main)) << 24) | (quint32(quint8(minor)) << 16) | quint32(quint16(build)));
     }
+    /// The main number (bits 31..24).
     int mainNumber() const { return int(value >> 24); }
+    /// The minor number (bits 23..16).
     int minorNumber() const { return int((value >> 16) & 0xFF); }
+    /// The build number (bits 15..0).
     int buildNumber() const { return int(value & 0xFFFF); }
+    /// True when the words are equal.
     bool operator==(const uVersion_t &o) const { return value == o.value; }
+    /// True when the words differ.
     bool operator!=(const uVersion_t &o) const { return value != o.value; }
 };
 static_assert(sizeof(uVersion_t) == 4, "uVersion_t is one 32-bit word");

@@ -20,10 +20,12 @@ public:
     /// Opens an existing database file read-only under \a connectionName. False when the file is
     /// missing, cannot be opened, or lacks the device and property tables; lastError() says why.
     bool openDatabase(const QString &file, const QString &connectionName);
+    /// A database is open.
     bool isOpen() const;
     /// The device named \a name whose version range holds \a version, with all its properties;
     /// a new object owned by the caller, or null with a non-zero \a state.
     CDeviceData *data(NTypes::uVersion_t version, const QString &name, NkrDeviceDatabase::eDdbState_t &state) const;
+    /// The reason of the last failure; empty after a successful open.
     QString lastError() const { return m_lastError; }
 
 private:

@@ -13,18 +13,25 @@ class KRDEVICEDATABASE_EXPORT CDeviceData
 {
 public:
     CDeviceData() = default;
+    /// A valid device without properties, for versions \a versionMin to \a versionMax.
     CDeviceData(int deviceId, const QString &name, quint32 versionMin, quint32 versionMax);
 
     /// A device read from the database (or built with the second constructor).
     bool isValid() const { return m_valid; }
+    /// The device name.
     QString name() const { return m_name; }
+    /// The device's number in the database; -1 for a default object.
     int deviceId() const { return m_deviceId; }
+    /// The lowest firmware version (a uVersion_t word) the record is for.
     quint32 versionMin() const { return m_versionMin; }
+    /// The highest firmware version (a uVersion_t word) the record is for.
     quint32 versionMax() const { return m_versionMax; }
 
     /// The property (key, pos), else (key, 0), else a null CVariant.
     CVariant value(unsigned int key, NkrDeviceDatabase::eSubDevicePos_t pos = NkrDeviceDatabase::E_SDP_MAIN) const;
+    /// Sets the property (\a key, \a pos), replacing an earlier one.
     void setValue(unsigned int key, NkrDeviceDatabase::eSubDevicePos_t pos, const CVariant &value);
+    /// Number of properties.
     int propertyCount() const { return m_values.size(); }
 
 private:

@@ -9,8 +9,11 @@
 class KRLOGFILES_EXPORT CFileLogfile : public ICLogfile
 {
 public:
+    /// Appends to \a fileName (created when missing).
     explicit CFileLogfile(const QString &fileName);
+    /// Appends one line; the flags are not written.
     void addEntry(NkrLogfiles::eSeverity_t severity, const QString &text, unsigned int flags) override;
+    /// The file the entries go to.
     QString fileName() const { return m_fileName; }
 
 private:

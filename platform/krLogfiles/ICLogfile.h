@@ -17,5 +17,6 @@ class KRLOGFILES_EXPORT ICLogfile
 {
 public:
     virtual ~ICLogfile();
+    /// Takes one message of \a severity with the caller's \a flags word.
     virtual void addEntry(NkrLogfiles::eSeverity_t severity, const QString &text, unsigned int flags) = 0;
 };

@@ -17,17 +17,18 @@ class KRXML_EXPORT CXmlAbstractKiroFile
 public:
     /// Results of open().
     enum eOpenResult_t {
-        E_OPEN_OK = 0,
+        E_OPEN_OK = 0,             ///< the document was read
         E_OPEN_NOT_READABLE = 1,   ///< the file does not exist or cannot be read
         E_OPEN_NOT_WELLFORMED = 2, ///< not well-formed XML; the error text names line and column
         E_OPEN_WRONG_TYPE = 3,     ///< the document element's tag differs from the expected type
         E_OPEN_WRONG_VERSION = 4   ///< the version differs and handleVersionError answered false
     };
 
+    /// An empty document file whose messages go to \a log (not owned; null silences).
     explicit CXmlAbstractKiroFile(ICLogfile *log = nullptr);
     virtual ~CXmlAbstractKiroFile();
 
-    /// Starts a new document <type version="version"> with a "Header" from \a meta.
+    /// Starts a new document of \a type and \a version with a "Header" from \a meta.
     /// \a encoding goes into the XML declaration ("UTF-8" when empty). False when the head
     /// could not be written (an empty type).
     bool create(const QString &type, const QString &version, const CXMLMetaData &meta,
@@ -41,23 +42,34 @@ public:
     /// \a encoding empty means the encoding given to create(), else UTF-8.
     bool save(const QString &fileName, const QString &encoding = QString());
 
+    /// The head of the document read or created.
     CXMLMetaData metaData() const { return m_metaData; }
     /// Stores the meta data and rewrites the document's "Header" when there is a document.
     void setMetaData(const CXMLMetaData &meta);
 
+    /// The document.
     CDomDoc &domDoc() { return m_domDoc; }
+    /// The document.
     const CDomDoc &domDoc() const { return m_domDoc; }
+    /// The document element; null without a document.
     QDomElement documentElement() const { return m_domDoc.documentElement(); }
+    /// The tag of the document element; empty without a document.
     QString documentType() const;
+    /// The "version" attribute of the document element; empty without one.
     QString documentVersion() const;
+    /// The log sink; not owned, null when silenced.
     ICLogfile *logfile() const { return m_log; }
+    /// Sets the log sink (not owned; null silences).
     void setLogfile(ICLogfile *log) { m_log = log; }
 
     // Head handling shared with streaming readers and writers of large documents.
+    /// The head stored in the "Header" element \a header; defaults for missing fields.
     static CXMLMetaData metaDataFromElement(const QDomElement &header);
+    /// Writes \a meta as the children of the "Header" element \a header of \a doc.
     static void writeHeaderElement(QDomDocument &doc, QDomElement header, const CXMLMetaData &meta);
     /// Reads the "Header" element the stream reader stands on (a StartElement) up to its end.
     static CXMLMetaData readHeader(QXmlStreamReader &reader);
+    /// Writes \a meta as a "Header" element.
     static void writeHeader(QXmlStreamWriter &writer, const CXMLMetaData &meta);
     /// Checks the document element the stream reader stands on (a StartElement) against type and
     /// version and calls handleVersionError on a version mismatch; answers an eOpenResult_t.

@@ -1,0 +1,10 @@
+# Runs Doxygen on DOXYFILE and fails with its warnings when there are any.
+file(MAKE_DIRECTORY ${OUTPUT})
+execute_process(COMMAND ${DOXYGEN} ${DOXYFILE} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+set(log)
+if(EXISTS ${OUTPUT}/warnings.log)
+    file(READ ${OUTPUT}/warnings.log log)
+endif()
+if(NOT rc EQUAL 0 OR NOT log STREQUAL "")
+    message(FATAL_ERROR "Doxygen warnings (exit ${rc}):\n${log}${err}")
+endif()
