@@ -19,6 +19,7 @@ class COdictObject;
 class KRODICT_EXPORT COdictCanOpen
 {
 public:
+    /// The index of an object that has none in the CANopen space.
     static constexpr unsigned int NoIndex = 0xFFFFFFFFu;
 
     /// The CANopen index of an object with \a id and DS402 id field \a ds402Id: a DS402 id in
@@ -40,7 +41,7 @@ public:
 
 /// One CANopen index, or the reason why an object has none.
 struct sOdictCanOpenPlace_t {
-    unsigned int index = COdictCanOpen::NoIndex;
+    unsigned int index = COdictCanOpen::NoIndex; ///< the CANopen index; NoIndex when the id has none
     const COdictObject *object = nullptr; ///< owned by the dictionary
     /// Names of the other objects that claim the same index (empty when the index is free).
     QStringList rivals;

@@ -12,10 +12,10 @@ class COdict;
 /// One finding of a dictionary check.
 struct sOdictFinding_t {
     QString rule;                        ///< stable rule id, e.g. "default-outside-limits"
-    NkrLogfiles::eSeverity_t severity = NkrLogfiles::E_SEV_WARNING;
+    NkrLogfiles::eSeverity_t severity = NkrLogfiles::E_SEV_WARNING; ///< info, warning or critical
     unsigned int id = 0xFFFFFFFFu;       ///< the object concerned; 0xFFFFFFFF for none
     unsigned int subId = 0xFFFFFFFFu;    ///< its sub-id; 0xFFFFFFFF for none
-    QString message;
+    QString message;                     ///< the text people read, as the text format prints it
 };
 
 /// Checks a loaded dictionary for what a dictionary author needs to know beyond the loader's

@@ -27,12 +27,12 @@ public:
     /// One change. Values are texts; a null text means "absent" (for example the old value of an
     /// enumeration entry that was added).
     struct sChange_t {
-        eChange_t kind = E_DC_CHANGED;
+        eChange_t kind = E_DC_CHANGED;    ///< what happened to the object or field
         unsigned int id = 0xFFFFFFFFu;    ///< the object; 0xFFFFFFFF for document data
         unsigned int subId = 0xFFFFFFFFu; ///< its sub-id; 0xFFFFFFFF for none
         QString field;                    ///< "maxValue", "enum[3]", "group", "version", ...
-        QString oldValue;
-        QString newValue;
+        QString oldValue;                 ///< the value in the old dictionary; null when absent
+        QString newValue;                 ///< the value in the new dictionary; null when absent
         QString label;                    ///< the object as people read it ("SPEED (ID 302)")
     };
 
