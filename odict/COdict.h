@@ -3,7 +3,9 @@
 #include "COdictHistory.h"
 #include "COdictItem.h"
 #include "COdictObjectId.h"
+#include "COdictDroppedRecord.h"
 #include "COdictObjectName.h"
+#include "COdictProgress.h"
 #include "CXMLMetaData.h"
 #include "NTypes.h"
 #include "NkrObjectIds.h"
@@ -108,6 +110,14 @@ public:
     /// The warnings collected by the last load.
     virtual QStringList warningMessages() const;
     void clearWarningMessages();
+    /// The records of the file that the last load did not take into the dictionary (duplicate
+    /// or invalid ids, nameless objects, ...), in file order; empty when nothing was lost.
+    QList<COdictDroppedRecord> droppedRecords() const;
+    /// Sets the callback that receives the progress of this dictionary's loads (bytes read),
+    /// saves (objects written) and exports (lines written); an empty callback reports nothing.
+    void setProgressCallback(const COdictProgressCallback &callback);
+    /// The callback set with setProgressCallback(); empty by default.
+    COdictProgressCallback progressCallback() const;
 
     bool isValid() const;
     QLocale::Language language() const;

@@ -57,6 +57,7 @@ COdictObjectTree::COdictObjectTree(const COdictObjectTree &other)
     , m_metaData(other.m_metaData)
     , m_fileName(other.m_fileName)
     , m_warnings(other.m_warnings)
+    , m_dropped(other.m_dropped)
     , m_dataStructures(other.m_dataStructures)
     , m_history(other.m_history)
 {
@@ -80,6 +81,7 @@ void COdictObjectTree::clear()
     m_metaData = CXMLMetaData();
     m_dataStructures.clear();
     m_warnings.clear();
+    m_dropped.clear();
 }
 
 COdictNode *COdictObjectTree::createDictionaryNode(const QString &name) const

@@ -9,7 +9,9 @@
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
 #include "COdictXmlObject_p.h"
+#include "CMessageBoardHelper.h"
 #include "CSaveFile.h"
+#include "CXmlInputCheck.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -61,7 +63,7 @@ sText_t elementText(QXmlStreamReader &reader)
 {
     sText_t t;
     t.line = int(reader.lineNumber());
-    t.text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+    t.text = CXmlInputCheck::elementText(reader);
     t.present = true;
     return t;
 }
@@ -163,8 +165,9 @@ void writeDataStructures(QXmlStreamWriter &x, const COdictDataStructure &list)
 constexpr int indentedLevels = 32;
 
 /// Writes the children of \a top, depth first without recursion.
-void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
+void writeChildren(QXmlStreamWriter &x, const COdictNode *top, COdictProgressMeter &meter)
 {
+    qint64 written = 0;
     struct sFrame_t {
         const COdictNode *node;
         int next;
@@ -186,6 +189,7 @@ void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
             const COdictObject *object = item.objectPtr();
             if (!object || object->isVirtual())
                 continue; // virtual sub-objects are made by the library and never stored
+            meter.update(++written);
             startObject(x, *object);
             writeObjectFields(x, *object);
             bool hasStoredChildren = false;
@@ -206,30 +210,60 @@ void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
     }
 }
 
+/// The reason an object read from line \a line is not valid.
+QString invalidObjectText(const COdictObject &object, int line, bool idPresent, bool idRead)
+{
+    if (!idPresent)
+        return QCoreApplication::translate("Odict", "<Object> (line %1) has no attribute 'id'; it is skipped.").arg(line);
+    if (!idRead)
+        return QCoreApplication::translate("Odict", "<Object> (line %1) has an unreadable id; it is skipped.").arg(line);
+    if (object.id() == 0xFFFFFFFFu)
+        return QCoreApplication::translate("Odict", "<Object> (line %1) has the id 0xffffffff, which means no object; it is skipped.").arg(line);
+    return QCoreApplication::translate("Odict", "<Object> (line %1, id 0x%2) has no name; it is skipped.").arg(line).arg(object.id(), 0, 16);
+}
+
+/// The dropped-record text of a duplicate: the critical message itself is the tree's.
+QString duplicateText(const COdictObjectTree &tree, const COdictObject &object, int line)
+{
+    const COdictNode *existing = tree.node(object.uniqueId());
+    return QCoreApplication::translate("Odict", "<Object> (line %1) '%2' repeats id 0x%3 sub-id 0x%4 of '%5'; it is skipped.")
+        .arg(line)
+        .arg(object.name())
+        .arg(object.id(), 0, 16)
+        .arg(object.subId(), 0, 16)
+        .arg(existing ? existing->dataRef().name() : QString());
+}
+
 } // namespace
 
 COdictXmlFile::COdictXmlFile(ICLogfile *log) : CXmlAbstractKiroFile(log) {}
 
 COdictXmlFile::~COdictXmlFile() = default;
 
-int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const QString &documentType, bool withDocumentData)
+int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const QString &documentType,
+                        bool withDocumentData, const COdictProgressCallback &progress)
 {
     m_error.clear();
-    QFile file(fileName);
-    if (QFileInfo(fileName).isDir() || !file.open(QIODevice::ReadOnly)) {
-        m_error = QCoreApplication::translate("Odict", "Cannot open '%1'.").arg(fileName);
+    QFile file;
+    if (!CXmlInputCheck::openForReading(file, fileName, &m_error))
+        return E_OPEN_NOT_READABLE;
+    // A first pass checks the limits (depth, sizes, entities, encoding), so that the reading
+    // pass below meets only documents it can read in bounded time and memory.
+    if (!CXmlInputCheck::checkContent(file, fileName, CXmlInputCheck::E_PARSER_STREAM, &m_error))
+        return E_OPEN_NOT_WELLFORMED;
+    if (!file.seek(0)) {
+        m_error = CXmlInputCheck::openError(fileName, file.errorString());
         return E_OPEN_NOT_READABLE;
     }
     QXmlStreamReader reader(&file);
-    if (!reader.readNextStartElement()) {
-        m_error = reader.hasError()
-            ? QStringLiteral("Line %1, column %2: %3").arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString())
-            : QCoreApplication::translate("Odict", "'%1' holds no document.").arg(fileName);
-        return E_OPEN_NOT_WELLFORMED;
-    }
-    const int head = checkDocumentElement(reader, documentType, formatVersion, &m_error);
-    if (head != E_OPEN_OK)
+    reader.readNextStartElement(); // the check found a document element
+    QString headError;
+    const int head = checkDocumentElement(reader, documentType, formatVersion, &headError);
+    if (head != E_OPEN_OK) {
+        m_error = CXmlInputCheck::readError(fileName, 0, 0, headError);
         return head;
+    }
+    COdictProgressMeter meter(progress, file.size());
 
     const Warn warn = [&tree](const QString &text) { tree.addWarning(text); };
     const eObjectType_t kind = tree.objectType();
@@ -252,17 +286,31 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     stack.push_back({E_CONTAINER, dictionary.get(), nullptr});
 
     // Builds and registers the object of the frame; sub-objects join their owner's sub-id list.
+    // An object that is not taken is recorded as dropped, and said so in the log.
     auto registerObject = [&](sFrame_t &frame) {
         frame.registered = true;
-        std::unique_ptr<COdictObject> object(buildObject(*frame.record, kind, warn));
+        const sObjectRecord_t &record = *frame.record;
+        const int line = record.line;
+        bool idRead = false;
+        if (record.id.present)
+            CDomDoc::toU32(record.id.text, &idRead);
+        std::unique_ptr<COdictObject> object(buildObject(record, kind, warn));
         frame.record.reset();
-        if (!object->isValid())
+        if (!object->isValid()) {
+            const QString text = invalidObjectText(*object, line, record.id.present, idRead);
+            if (record.id.present && idRead)
+                warn(text); // a missing or unreadable id has been reported by the object reader
+            tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_INVALID_OBJECT, line,
+                                                      object->uniqueId(), object->name(), text));
             return;
+        }
         bool ok = false;
         const eItemType_t type = object->isSubObject() ? E_IT_SUBOBJECT : E_IT_OBJECT;
         COdictNode *node = createNode(tree, *object, type, &ok);
         if (!ok) {
-            delete node;
+            delete node; // the tree has logged the duplicate
+            tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_DUPLICATE_ID, line, object->uniqueId(),
+                                                      object->name(), duplicateText(tree, *object, line)));
             return;
         }
         frame.node->appendChild(node);
@@ -271,8 +319,28 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             frame.node->dataPtr()->objectPtr()->addSubId(object->subId());
     };
 
+    // Records below a sub-object or below a dropped object are not read; each is reported.
+    auto skipRecord = [&]() {
+        const sText_t id = attribute(reader, QStringLiteral("id"));
+        const sText_t subId = attribute(reader, QStringLiteral("subid"));
+        const int line = int(reader.lineNumber());
+        const auto number = [](const sText_t &t) {
+            bool ok = false;
+            const quint32 value = t.present ? CDomDoc::toU32(t.text, &ok) : 0u;
+            return ok ? value : 0xFFFFFFFFu;
+        };
+        const COdictObjectId key(number(id), number(subId));
+        const QString text = QCoreApplication::translate("Odict", "<Object> (line %1) lies below a sub-object or below an object that was not loaded; it is skipped.").arg(line);
+        warn(text);
+        tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_UNREAD_SUBOBJECT, line, key, QString(), text));
+        reader.skipCurrentElement();
+    };
+
+    int tokens = 0;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
+        if ((++tokens & 0xFFF) == 0)
+            meter.update(file.pos());
         if (token == QXmlStreamReader::EndElement) {
             if (stack.size() == 1)
                 break; // the document element ends
@@ -319,7 +387,10 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             continue;
         }
         if (top.kind == E_SKIP) {
-            reader.skipCurrentElement();
+            if (tag == QLatin1String("Object"))
+                skipRecord();
+            else
+                reader.skipCurrentElement();
             continue;
         }
         if (tag == QLatin1String("Group")) {
@@ -335,11 +406,11 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             COdictNode *parent = top.node;
             stack.push_back({E_OBJECT, parent, std::move(record)});
         } else if (top.kind == E_GROUP && tag == QLatin1String("Name")) {
-            top.node->dataPtr()->setName(reader.readElementText(QXmlStreamReader::IncludeChildElements).toUpper());
+            top.node->dataPtr()->setName(CXmlInputCheck::elementText(reader).toUpper());
         } else if (top.kind == E_GROUP && tag == QLatin1String("UiName")) {
-            top.node->dataPtr()->setUiName(translated(reader.readElementText(QXmlStreamReader::IncludeChildElements)));
+            top.node->dataPtr()->setUiName(translated(CXmlInputCheck::elementText(reader)));
         } else if (stack.size() == 1 && tag == QLatin1String("Name")) {
-            dictionaryName = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+            dictionaryName = CXmlInputCheck::elementText(reader);
         } else if (stack.size() == 1 && tag == QLatin1String("Header")) {
             meta = readHeader(reader);
         } else if (stack.size() == 1 && tag == QLatin1String("History")) {
@@ -352,10 +423,11 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     }
 
     if (reader.hasError()) {
-        m_error = QStringLiteral("Line %1, column %2: %3").arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString());
+        m_error = CXmlInputCheck::readError(fileName, reader);
         tree.unindexSubtree(dictionary.get());
         return E_OPEN_NOT_WELLFORMED;
     }
+    meter.finish();
 
     setMetaData(meta);
     if (withDocumentData) {
@@ -364,8 +436,14 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
         tree.setDataStructures(dataStructures);
     }
     if (dictionaryName.isEmpty()) {
-        // A document without a name loads as an empty dictionary.
+        // A document without a name loads as an empty dictionary; what it held is reported.
+        const int lost = tree.allObjectUIds(dictionary.get()).size();
         tree.unindexSubtree(dictionary.get());
+        if (lost > 0) {
+            const QString text = QCoreApplication::translate("Odict", "The document names no dictionary (its <Name> is missing or empty); its %1 objects are not loaded.").arg(lost);
+            warn(text);
+            tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_NO_DICTIONARY, 0, COdictObjectId(), QString(), text));
+        }
         return E_OPEN_OK;
     }
     dictionary->dataPtr()->setName(dictionaryName);
@@ -374,16 +452,15 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
 }
 
 int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, const QString &documentType,
-                         const CXMLMetaData &meta, bool withDocumentData)
+                         const CXMLMetaData &meta, bool withDocumentData, const COdictProgressCallback &progress)
 {
     m_error.clear();
     if (documentType.isEmpty())
         return 1;
     QSaveFile file(fileName);
-    if (QFileInfo(fileName).isDir() || !file.open(QIODevice::WriteOnly)) {
-        m_error = QCoreApplication::translate("Odict", "Cannot write '%1': %2").arg(fileName, file.errorString());
+    if (!CSaveFile::open(file, &m_error))
         return 2;
-    }
+    COdictProgressMeter meter(progress, tree.idIndex().size());
     QXmlStreamWriter x(&file);
     x.setCodec("UTF-8");
     x.setAutoFormatting(true);
@@ -402,16 +479,17 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
         writeDataStructures(x, tree.dataStructures());
     }
     if (dictionary)
-        writeChildren(x, dictionary);
+        writeChildren(x, dictionary, meter);
     x.setAutoFormatting(true);
     x.writeEndElement();
     x.writeEndDocument();
     if (x.hasError())
         file.cancelWriting();
     if (!CSaveFile::commit(file)) {
-        m_error = QCoreApplication::translate("Odict", "Cannot write '%1': %2").arg(fileName, file.errorString());
+        m_error = CSaveFile::writeError(fileName, file.errorString());
         return 2;
     }
+    meter.finish();
     return 0;
 }
 
@@ -473,16 +551,17 @@ QDomElement COdictXmlFile::objectToElement(CDomDoc &doc, QDomElement parent, con
 
 // ---- the tree's load and save ----
 
-int COdictObjectTree::load(const QString &fileName, const QString &documentType)
+int COdictObjectTree::load(const QString &fileName, const QString &documentType, const COdictProgressCallback &progress)
 {
     m_warnings.clear();
+    m_dropped.clear();
     // A parameter dictionary reads the type it is asked for; every other kind reads dictionaries,
     // whatever was asked (a parameter-set file only fits a parameter dictionary).
     const bool parameters = objectType() == E_OT_PARAMETER;
     const QString type = parameters ? (documentType.isEmpty() ? COdictXmlFile::parameterSetType : documentType)
                                     : COdictXmlFile::dictionaryType;
     COdictXmlFile reader(m_log);
-    const int opened = reader.read(*this, fileName, type, !parameters);
+    const int opened = reader.read(*this, fileName, type, !parameters, progress);
     m_fileName = fileName;
     if (opened != 0) {
         if (!reader.errorString().isEmpty())
@@ -497,18 +576,20 @@ int COdictObjectTree::load(const QString &fileName, const QString &documentType)
     return 0;
 }
 
-int COdictObjectTree::save(const QString &fileName)
+int COdictObjectTree::save(const QString &fileName, const COdictProgressCallback &progress)
 {
     COdictXmlFile writer(m_log);
     int result;
     if (objectType() == E_OT_PARAMETER) {
         const CXMLMetaData meta(QDate::currentDate(), QTime::currentTime(), QStringLiteral("veltrasuite4"),
                                 QStringLiteral("Values of all parameter setzt."), m_metaData.version());
-        result = writer.write(*this, fileName, COdictXmlFile::parameterSetType, meta, false);
+        result = writer.write(*this, fileName, COdictXmlFile::parameterSetType, meta, false, progress);
     } else {
-        result = writer.write(*this, fileName, COdictXmlFile::dictionaryType, m_metaData, true);
+        result = writer.write(*this, fileName, COdictXmlFile::dictionaryType, m_metaData, true, progress);
     }
     if (result == 0)
         m_fileName = fileName; // the dictionary now lives in the file it was saved to
+    else if (!writer.errorString().isEmpty())
+        CMessageBoardHelper::setWarning(writer.errorString(), m_log, 0);
     return result;
 }

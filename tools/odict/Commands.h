@@ -40,6 +40,11 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, in
 std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfile *log,
                                                NkrOdict::eObjectType_t kind = NkrOdict::E_OT_EDITOR);
 
+/// Switches the progress display on stderr (shown only on a terminal, after a second of work).
+void setProgressEnabled(bool enabled);
+/// Whether a loaded dictionary dropped records; the command then exits E_EXIT_WARNINGS.
+bool droppedRecordsReported();
+
 /// The date the exporters write: SOURCE_DATE_EPOCH when it is set (reproducible builds), else today.
 class QDate;
 QDate exportDate();

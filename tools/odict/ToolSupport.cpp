@@ -5,7 +5,53 @@
 
 #include <QCommandLineParser>
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QFileInfo>
+
+#include <unistd.h>
+
+namespace {
+
+bool progressEnabled = true;
+bool recordsDropped = false;
+
+/// Progress on stderr: only on a terminal, and only once the work has taken a second.
+COdictProgressCallback terminalProgress()
+{
+    if (!progressEnabled || !::isatty(STDERR_FILENO))
+        return {};
+    struct sState_t {
+        QElapsedTimer timer;
+        qint64 last = -1;
+        bool shown = false;
+    };
+    auto state = std::make_shared<sState_t>();
+    return [state](qint64 done, qint64 total) {
+        if (done < state->last || !state->timer.isValid()) // a new operation starts
+            *state = sState_t(), state->timer.start();
+        state->last = done;
+        if (!state->shown && state->timer.elapsed() < 1000)
+            return;
+        state->shown = true;
+        const int percent = total > 0 ? int(done * 100 / total) : 100;
+        err() << "\rodict: " << percent << " %" << (done >= total ? "\n" : "");
+        err().flush();
+        if (done >= total)
+            *state = sState_t();
+    };
+}
+
+} // namespace
+
+void setProgressEnabled(bool enabled)
+{
+    progressEnabled = enabled;
+}
+
+bool droppedRecordsReported()
+{
+    return recordsDropped;
+}
 
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int positionals)
 {
@@ -31,16 +77,22 @@ std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfi
 {
     auto dictionary = std::make_unique<COdictEdit>(kind);
     dictionary->setLogfile(log);
+    dictionary->setProgressCallback(terminalProgress());
     if (log)
         log->clear(); // the creation message is not about the file
     // Parameter dictionaries are read from dictionary files here, not from parameter-set files.
     const int result = kind == NkrOdict::E_OT_PARAMETER ? dictionary->loadParameterDictionary(file)
                                                         : dictionary->loadDictionary(file);
     if (result != 0) {
+        // The reader's reason names the file and the cause once.
         const QStringList reasons = dictionary->warningMessages();
-        err() << "odict: cannot open '" << file << "'"
-              << (reasons.isEmpty() ? QString() : QStringLiteral(": ") + reasons.last()) << '\n';
+        err() << "odict: " << (reasons.isEmpty() ? QStringLiteral("cannot open '%1'").arg(file) : reasons.last()) << '\n';
         return nullptr;
+    }
+    // Whatever the loader left out is a finding: one line each, and the command exits 1.
+    for (const COdictDroppedRecord &record : dictionary->droppedRecords()) {
+        err() << "odict: warning: '" << file << "': " << record.text() << '\n';
+        recordsDropped = true;
     }
     return dictionary;
 }

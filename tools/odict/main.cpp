@@ -57,7 +57,9 @@ int main(int argc, char *argv[])
             continue;
         for (const sCommand_t &c : commands) {
             if (args.at(i) == QLatin1String(c.name)) {
-                const int rc = c.run(args.mid(i));
+                int rc = c.run(args.mid(i));
+                if (rc == E_EXIT_OK && droppedRecordsReported())
+                    rc = E_EXIT_WARNINGS;
                 out().flush();
                 err().flush();
                 return rc;
