@@ -27,8 +27,10 @@ COdictProgressCallback terminalProgress()
     };
     auto state = std::make_shared<sState_t>();
     return [state](qint64 done, qint64 total) {
-        if (done < state->last || !state->timer.isValid()) // a new operation starts
-            *state = sState_t(), state->timer.start();
+        if (done < state->last || !state->timer.isValid()) { // a new operation starts
+            *state = sState_t();
+            state->timer.start();
+        }
         state->last = done;
         if (!state->shown && state->timer.elapsed() < 1000)
             return;
