@@ -11,6 +11,7 @@
 #include "COdictXmlObject_p.h"
 #include "CMessageBoardHelper.h"
 #include "CSaveFile.h"
+#include "CXmlCheckedReader.h"
 #include "CXmlInputCheck.h"
 
 #include <QCoreApplication>
@@ -47,7 +48,7 @@ COdictNode *createNode(COdictObjectTree &tree, const COdictObject &object, eItem
     }
 }
 
-sText_t attribute(const QXmlStreamReader &reader, const QString &name)
+sText_t attribute(const CXmlCheckedReader &reader, const QString &name)
 {
     sText_t t;
     const QXmlStreamAttributes attributes = reader.attributes();
@@ -59,18 +60,18 @@ sText_t attribute(const QXmlStreamReader &reader, const QString &name)
     return t;
 }
 
-sText_t elementText(QXmlStreamReader &reader)
+sText_t elementText(CXmlCheckedReader &reader)
 {
     sText_t t;
     t.line = int(reader.lineNumber());
-    t.text = CXmlInputCheck::elementText(reader);
+    t.text = reader.elementText();
     t.present = true;
     return t;
 }
 
 /// Reads the entries of an "Enum", "BitSet" or "Param" element: each \a entryTag child with its
 /// \a keyAttribute and text.
-QList<sListEntry_t> readEntries(QXmlStreamReader &reader, QLatin1String entryTag, const QString &keyAttribute)
+QList<sListEntry_t> readEntries(CXmlCheckedReader &reader, QLatin1String entryTag, const QString &keyAttribute)
 {
     QList<sListEntry_t> entries;
     while (reader.readNextStartElement()) {
@@ -86,7 +87,7 @@ QList<sListEntry_t> readEntries(QXmlStreamReader &reader, QLatin1String entryTag
     return entries;
 }
 
-void readHistory(QXmlStreamReader &reader, COdictHistory &history)
+void readHistory(CXmlCheckedReader &reader, COdictHistory &history)
 {
     while (reader.readNextStartElement()) {
         if (reader.name() == QLatin1String("Header"))
@@ -96,7 +97,7 @@ void readHistory(QXmlStreamReader &reader, COdictHistory &history)
     }
 }
 
-void readDataStructures(QXmlStreamReader &reader, COdictDataStructure &list, const Warn &warn)
+void readDataStructures(CXmlCheckedReader &reader, COdictDataStructure &list, const Warn &warn)
 {
     while (reader.readNextStartElement()) {
         if (reader.name() != QLatin1String("DataStructure")) {
@@ -247,18 +248,16 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     QFile file;
     if (!CXmlInputCheck::openForReading(file, fileName, &m_error))
         return E_OPEN_NOT_READABLE;
-    // A first pass checks the limits (depth, sizes, entities, encoding), so that the reading
-    // pass below meets only documents it can read in bounded time and memory.
-    if (!CXmlInputCheck::checkContent(file, fileName, CXmlInputCheck::E_PARSER_STREAM, &m_error))
+    // The reader checks every token against the limits (depth, sizes, entities) as it reads, so
+    // the walk below meets only what it can read in bounded time and memory.
+    CXmlCheckedReader reader(&file, fileName, CXmlInputCheck::E_PARSER_STREAM);
+    if (!reader.readNextStartElement()) {
+        m_error = reader.hasError() ? reader.errorText()
+                                    : CXmlInputCheck::openError(fileName, QStringLiteral("no document element"));
         return E_OPEN_NOT_WELLFORMED;
-    if (!file.seek(0)) {
-        m_error = CXmlInputCheck::openError(fileName, file.errorString());
-        return E_OPEN_NOT_READABLE;
     }
-    QXmlStreamReader reader(&file);
-    reader.readNextStartElement(); // the check found a document element
     QString headError;
-    const int head = checkDocumentElement(reader, documentType, formatVersion, &headError);
+    const int head = checkDocumentElement(reader.stream(), documentType, formatVersion, &headError);
     if (head != E_OPEN_OK) {
         m_error = CXmlInputCheck::readError(fileName, 0, 0, headError);
         return head;
@@ -406,11 +405,11 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             COdictNode *parent = top.node;
             stack.push_back({E_OBJECT, parent, std::move(record)});
         } else if (top.kind == E_GROUP && tag == QLatin1String("Name")) {
-            top.node->dataPtr()->setName(CXmlInputCheck::elementText(reader).toUpper());
+            top.node->dataPtr()->setName(reader.elementText().toUpper());
         } else if (top.kind == E_GROUP && tag == QLatin1String("UiName")) {
-            top.node->dataPtr()->setUiName(translated(CXmlInputCheck::elementText(reader)));
+            top.node->dataPtr()->setUiName(translated(reader.elementText()));
         } else if (stack.size() == 1 && tag == QLatin1String("Name")) {
-            dictionaryName = CXmlInputCheck::elementText(reader);
+            dictionaryName = reader.elementText();
         } else if (stack.size() == 1 && tag == QLatin1String("Header")) {
             meta = readHeader(reader);
         } else if (stack.size() == 1 && tag == QLatin1String("History")) {
@@ -423,7 +422,7 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     }
 
     if (reader.hasError()) {
-        m_error = CXmlInputCheck::readError(fileName, reader);
+        m_error = reader.errorText();
         tree.unindexSubtree(dictionary.get());
         return E_OPEN_NOT_WELLFORMED;
     }

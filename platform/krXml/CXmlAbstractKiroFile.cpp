@@ -3,6 +3,7 @@
 #include "CMessageBoardHelper.h"
 #include "CSaveFile.h"
 #include "CStr.h"
+#include "CXmlCheckedReader.h"
 #include "CXmlInputCheck.h"
 
 #include <QBuffer>
@@ -312,6 +313,19 @@ CXMLMetaData CXmlAbstractKiroFile::readHeader(QXmlStreamReader &reader)
     while (reader.readNextStartElement()) {
         const QString name = reader.name().toString();
         const QString text = CXmlInputCheck::elementText(reader);
+        setMetaPart(meta, QStringRef(&name), text);
+    }
+    return meta;
+}
+
+CXMLMetaData CXmlAbstractKiroFile::readHeader(CXmlCheckedReader &reader)
+{
+    CXMLMetaData meta;
+    if (!reader.isStartElement())
+        return meta;
+    while (reader.readNextStartElement()) {
+        const QString name = reader.name().toString();
+        const QString text = reader.elementText();
         setMetaPart(meta, QStringRef(&name), text);
     }
     return meta;

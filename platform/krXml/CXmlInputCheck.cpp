@@ -1,5 +1,7 @@
 #include "CXmlInputCheck.h"
 
+#include "CXmlCheckedReader.h"
+
 #include <QFile>
 #include <QXmlStreamReader>
 
@@ -73,56 +75,12 @@ bool CXmlInputCheck::openForReading(QFile &file, const QString &fileName, QStrin
 
 bool CXmlInputCheck::checkContent(QIODevice &device, const QString &fileName, eParser_t parser, QString *errorText)
 {
-    const int depthLimit = maxDepth(parser);
-    QXmlStreamReader reader(&device);
-    int depth = 0;
-    qint64 text = 0; // characters of the current element's text so far
-    const auto fail = [&](const QString &reason) {
-        if (errorText)
-            *errorText = readError(fileName, reader.lineNumber(), reader.columnNumber(), reason);
-        return false;
-    };
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::DTD:
-            // Entities are the road to expansion bombs and to files outside the document.
-            if (!reader.entityDeclarations().isEmpty())
-                return fail(QStringLiteral("entity declarations are not accepted"));
-            break;
-        case QXmlStreamReader::StartElement:
-            if (++depth > depthLimit)
-                return fail(QStringLiteral("elements nested deeper than the limit of %1 levels").arg(depthLimit));
-            for (const QXmlStreamAttribute &attribute : reader.attributes()) {
-                if (attribute.value().size() > maxAttributeSize)
-                    return fail(QStringLiteral("attribute '%1' longer than the limit of %2 characters")
-                                    .arg(attribute.qualifiedName().toString()).arg(maxAttributeSize));
-            }
-            text = 0;
-            break;
-        case QXmlStreamReader::EndElement:
-            --depth;
-            text = 0;
-            break;
-        case QXmlStreamReader::Characters:
-        case QXmlStreamReader::EntityReference:
-            text += reader.text().size();
-            if (text > maxTextSize)
-                return fail(QStringLiteral("text longer than the limit of %1 characters").arg(maxTextSize));
-            break;
-        case QXmlStreamReader::Comment:
-        case QXmlStreamReader::ProcessingInstruction:
-            if (reader.text().size() + reader.processingInstructionData().size() > maxTextSize)
-                return fail(QStringLiteral("text longer than the limit of %1 characters").arg(maxTextSize));
-            break;
-        default:
-            break;
-        }
-        if (device.pos() > maxInputSize)
-            return fail(tooLarge()); // a file that grew after it was opened
-    }
+    CXmlCheckedReader reader(&device, fileName, parser);
+    while (!reader.atEnd())
+        reader.readNext();
     if (reader.hasError()) {
         if (errorText)
-            *errorText = readError(fileName, reader);
+            *errorText = reader.errorText();
         return false;
     }
     return true;
