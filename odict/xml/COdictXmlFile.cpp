@@ -288,16 +288,16 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     // An object that is not taken is recorded as dropped, and said so in the log.
     auto registerObject = [&](sFrame_t &frame) {
         frame.registered = true;
-        const sObjectRecord_t &record = *frame.record;
-        const int line = record.line;
+        const std::unique_ptr<sObjectRecord_t> record = std::move(frame.record);
+        const int line = record->line;
+        const bool idPresent = record->id.present;
         bool idRead = false;
-        if (record.id.present)
-            CDomDoc::toU32(record.id.text, &idRead);
-        std::unique_ptr<COdictObject> object(buildObject(record, kind, warn));
-        frame.record.reset();
+        if (idPresent)
+            CDomDoc::toU32(record->id.text, &idRead);
+        std::unique_ptr<COdictObject> object(buildObject(*record, kind, warn));
         if (!object->isValid()) {
-            const QString text = invalidObjectText(*object, line, record.id.present, idRead);
-            if (record.id.present && idRead)
+            const QString text = invalidObjectText(*object, line, idPresent, idRead);
+            if (idPresent && idRead)
                 warn(text); // a missing or unreadable id has been reported by the object reader
             tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_INVALID_OBJECT, line,
                                                       object->uniqueId(), object->name(), text));
