@@ -16,7 +16,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -318,21 +317,33 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             frame.node->dataPtr()->objectPtr()->addSubId(object->subId());
     };
 
-    // Records below a sub-object or below a dropped object are not read; each is reported.
-    auto skipRecord = [&]() {
-        const sText_t id = attribute(reader, QStringLiteral("id"));
-        const sText_t subId = attribute(reader, QStringLiteral("subid"));
-        const int line = int(reader.lineNumber());
-        const auto number = [](const sText_t &t) {
-            bool ok = false;
-            const quint32 value = t.present ? CDomDoc::toU32(t.text, &ok) : 0u;
-            return ok ? value : 0xFFFFFFFFu;
-        };
-        const COdictObjectId key(number(id), number(subId));
-        const QString text = QCoreApplication::translate("Odict", "<Object> (line %1) lies below a sub-object or below an object that was not loaded; it is skipped.").arg(line);
-        warn(text);
-        tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_UNREAD_SUBOBJECT, line, key, QString(), text));
-        reader.skipCurrentElement();
+    // Skips an element of the SubObjects of a sub-object or of a dropped object: every "Object"
+    // in it (or the element itself) is reported as dropped.
+    auto skipElement = [&]() {
+        int depth = 0;
+        for (QXmlStreamReader::TokenType token = reader.stream().tokenType();; token = reader.readNext()) {
+            if (token == QXmlStreamReader::StartElement) {
+                ++depth;
+                if (reader.name() != QLatin1String("Object"))
+                    continue;
+                const auto number = [](const sText_t &t) {
+                    bool ok = false;
+                    const quint32 value = t.present ? CDomDoc::toU32(t.text, &ok) : 0u;
+                    return ok ? value : 0xFFFFFFFFu;
+                };
+                const COdictObjectId key(number(attribute(reader, QStringLiteral("id"))),
+                                         number(attribute(reader, QStringLiteral("subid"))));
+                const int line = int(reader.lineNumber());
+                const QString text = QCoreApplication::translate("Odict", "<Object> (line %1) lies below a sub-object or below an object that was not loaded; it is skipped.").arg(line);
+                warn(text);
+                tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_UNREAD_SUBOBJECT, line, key, QString(), text));
+            } else if (token == QXmlStreamReader::EndElement) {
+                if (--depth == 0)
+                    return;
+            } else if (token == QXmlStreamReader::Invalid || token == QXmlStreamReader::EndDocument) {
+                return;
+            }
+        }
     };
 
     int tokens = 0;
@@ -386,10 +397,7 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             continue;
         }
         if (top.kind == E_SKIP) {
-            if (tag == QLatin1String("Object"))
-                skipRecord();
-            else
-                reader.skipCurrentElement();
+            skipElement();
             continue;
         }
         if (tag == QLatin1String("Group")) {
@@ -417,7 +425,7 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
         } else if (stack.size() == 1 && tag == QLatin1String("DataStructures")) {
             readDataStructures(reader, dataStructures, warn);
         } else {
-            reader.skipCurrentElement();
+            reader.skipCurrentElement(); // unknown elements are skipped without a message
         }
     }
 
