@@ -21,10 +21,13 @@ public:
         E_DR_NO_DICTIONARY = 4    ///< the document names no dictionary, so none of its objects load
     };
 
+    /// An empty record (reason E_DR_INVALID_OBJECT, line 0, no id).
     COdictDroppedRecord() = default;
+    /// A record of \a reason for the object \a id named \a name at \a line, said in \a text.
     COdictDroppedRecord(eDropReason_t reason, int line, const COdictObjectId &id, const QString &name,
                         const QString &text);
 
+    /// Why the record was dropped.
     eDropReason_t reason() const { return m_reason; }
     /// Line of the record in the file; 0 when unknown.
     int line() const { return m_line; }
@@ -35,7 +38,9 @@ public:
     /// One sentence saying what was dropped and why, for people.
     QString text() const { return m_text; }
 
+    /// Equal when every field is.
     bool operator==(const COdictDroppedRecord &other) const;
+    /// Not equal when a field differs.
     bool operator!=(const COdictDroppedRecord &other) const { return !(*this == other); }
 
 private:

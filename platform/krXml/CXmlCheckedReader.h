@@ -31,11 +31,17 @@ public:
     /// The underlying reader, for names, attributes and positions.
     QXmlStreamReader &stream() { return m_reader; }
     const QXmlStreamReader &stream() const { return m_reader; }
+    /// The name of the current element.
     QStringRef name() const { return m_reader.name(); }
+    /// The attributes of the current start element.
     QXmlStreamAttributes attributes() const { return m_reader.attributes(); }
+    /// The line of the current token, from 1.
     qint64 lineNumber() const { return m_reader.lineNumber(); }
+    /// Whether the current token is a start element.
     bool isStartElement() const { return m_reader.isStartElement(); }
+    /// True at the end of the document and after an error.
     bool atEnd() const { return m_reader.atEnd(); }
+    /// Whether reading stopped on a syntax error or a limit.
     bool hasError() const { return m_reader.hasError(); }
 
     /// The failure as CXmlInputCheck::readError() words it: file, line, column and reason.
