@@ -84,7 +84,7 @@ private slots:
         QTest::addColumn<int>("result");
         QTest::addColumn<QString>("errorPattern");
 
-        const QString lineColumn = QStringLiteral("^Line \\d+, column \\d+: .+");
+        const QString lineColumn = QStringLiteral("^cannot open .*: line \\d+, column \\d+: .+");
         QTest::newRow("readable") << "ok.xml" << document(kType, kVersion) << 0 << "^$";
         QTest::newRow("missing") << "missing.xml" << QByteArray() << 1 << "missing\\.xml";
         QTest::newRow("directory") << "adir" << QByteArray() << 1 << "adir";
@@ -92,7 +92,7 @@ private slots:
         QTest::newRow("not xml") << "text.xml" << QByteArray("just some text\n") << 2 << lineColumn;
         QTest::newRow("truncated") << "cut.xml" << document(kType, kVersion).left(120) << 2 << lineColumn;
         QTest::newRow("mismatched tag") << "tag.xml" << QByteArray("<?xml version=\"1.0\"?>\n<A version=\"1\">\n  <B></C>\n</A>\n")
-                                        << 2 << "^Line 3, column \\d+: ";
+                                        << 2 << "tag\\.xml.: line 3, column \\d+: ";
         QTest::newRow("wrong type") << "type.xml" << document(QStringLiteral("OtherFile"), kVersion) << 3
                                     << "<OtherFile>.*<KiroObjectDictionary>";
         QTest::newRow("wrong version") << "version.xml" << document(kType, QStringLiteral("9.9")) << 4 << "'9\\.9'.*'1\\.2\\.0'";

@@ -102,7 +102,7 @@ int COdictPrivate::load(const QString &fileName, const QString &documentType)
     if (!tree)
         return 1; // a dictionary made for E_OT_UNKNOWN has nowhere to load into
     tree->clear();
-    const int result = tree->load(fileName, documentType);
+    const int result = tree->load(fileName, documentType, progress);
     valid = result != 1;
     tree->notifyChanged();
     return result;
@@ -260,6 +260,24 @@ QStringList COdict::warningMessages() const
 {
     Q_D(const COdict);
     return d->tree ? d->tree->warningMessages() : QStringList();
+}
+
+QList<COdictDroppedRecord> COdict::droppedRecords() const
+{
+    Q_D(const COdict);
+    return d->tree ? d->tree->droppedRecords() : QList<COdictDroppedRecord>();
+}
+
+void COdict::setProgressCallback(const COdictProgressCallback &callback)
+{
+    Q_D(COdict);
+    d->progress = callback;
+}
+
+COdictProgressCallback COdict::progressCallback() const
+{
+    Q_D(const COdict);
+    return d->progress;
 }
 
 void COdict::clearWarningMessages()

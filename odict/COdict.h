@@ -3,7 +3,9 @@
 #include "COdictHistory.h"
 #include "COdictItem.h"
 #include "COdictObjectId.h"
+#include "COdictDroppedRecord.h"
 #include "COdictObjectName.h"
+#include "COdictProgress.h"
 #include "CXMLMetaData.h"
 #include "NTypes.h"
 #include "NkrObjectIds.h"
@@ -116,6 +118,14 @@ public:
     virtual QStringList warningMessages() const;
     /// Empties the warnings of the last load.
     void clearWarningMessages();
+    /// The records of the file that the last load did not take into the dictionary (duplicate
+    /// or invalid ids, nameless objects, ...), in file order; empty when nothing was lost.
+    QList<COdictDroppedRecord> droppedRecords() const;
+    /// Sets the callback that receives the progress of this dictionary's loads (bytes read),
+    /// saves (objects written) and exports (lines written); an empty callback reports nothing.
+    void setProgressCallback(const COdictProgressCallback &callback);
+    /// The callback set with setProgressCallback(); empty by default.
+    COdictProgressCallback progressCallback() const;
 
     /// True after a load that could open its file; false after construction or a failed load.
     bool isValid() const;

@@ -153,7 +153,7 @@ int COdictEditPrivate::saveDictionary(const QString &fileName)
 {
     if (!tree)
         return 1;
-    return tree->save(fileName);
+    return tree->save(fileName, progress);
 }
 
 bool COdictEditPrivate::insertGroup(COdictNode *parent, int position)

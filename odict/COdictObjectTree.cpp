@@ -60,6 +60,7 @@ COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, const 
     , metaData(other.metaData)
     , fileName(other.fileName)
     , warnings(other.warnings)
+    , dropped(other.dropped)
     , dataStructures(other.dataStructures)
     , history(other.history)
 {
@@ -83,6 +84,7 @@ void COdictObjectTreePrivate::clear()
     metaData = CXMLMetaData();
     dataStructures.clear();
     warnings.clear();
+    dropped.clear();
 }
 
 COdictNode *COdictObjectTreePrivate::node(const COdictObjectName &name) const
@@ -317,10 +319,11 @@ void COdictObjectTreePrivate::addWarning(const QString &text)
     CMessageBoardHelper::setWarning(text, log, 0);
 }
 
-int COdictObjectTreePrivate::load(const QString &name, const QString &documentType)
+int COdictObjectTreePrivate::load(const QString &name, const QString &documentType, const COdictProgressCallback &progress)
 {
     Q_Q(COdictObjectTree);
     warnings.clear();
+    dropped.clear();
     // A parameter dictionary reads the type it is asked for; every other kind reads dictionaries,
     // whatever was asked (a parameter-set file only fits a parameter dictionary).
     const bool parameters = q->objectType() == E_OT_PARAMETER;
@@ -328,7 +331,7 @@ int COdictObjectTreePrivate::load(const QString &name, const QString &documentTy
                                     : ICOdictStorage::dictionaryType();
     const ICOdictStorage *storage = ICOdictStorage::current();
     QString error;
-    const int opened = storage ? storage->read(*q, name, type, !parameters, log, &error) : 1;
+    const int opened = storage ? storage->read(*q, name, type, !parameters, log, &error, progress) : 1;
     fileName = name;
     if (opened != 0) {
         if (!error.isEmpty())
@@ -343,7 +346,7 @@ int COdictObjectTreePrivate::load(const QString &name, const QString &documentTy
     return 0;
 }
 
-int COdictObjectTreePrivate::save(const QString &name)
+int COdictObjectTreePrivate::save(const QString &name, const COdictProgressCallback &progress)
 {
     Q_Q(COdictObjectTree);
     const ICOdictStorage *storage = ICOdictStorage::current();
@@ -354,12 +357,14 @@ int COdictObjectTreePrivate::save(const QString &name)
     if (q->objectType() == E_OT_PARAMETER) {
         const CXMLMetaData meta(QDate::currentDate(), QTime::currentTime(), QStringLiteral("veltrasuite4"),
                                 QStringLiteral("Values of all parameter setzt."), metaData.version());
-        result = storage->write(*q, name, ICOdictStorage::parameterSetType(), meta, false, log, &error);
+        result = storage->write(*q, name, ICOdictStorage::parameterSetType(), meta, false, log, &error, progress);
     } else {
-        result = storage->write(*q, name, ICOdictStorage::dictionaryType(), metaData, true, log, &error);
+        result = storage->write(*q, name, ICOdictStorage::dictionaryType(), metaData, true, log, &error, progress);
     }
     if (result == 0)
         fileName = name; // the dictionary now lives in the file it was saved to
+    else if (!error.isEmpty())
+        CMessageBoardHelper::setWarning(error, log, 0);
     return result;
 }
 
@@ -539,11 +544,17 @@ QStringList COdictObjectTree::warningMessages() const { return d_func()->warning
 void COdictObjectTree::clearWarningMessages() { d_func()->warnings.clear(); }
 void COdictObjectTree::addWarning(const QString &text) { d_func()->addWarning(text); }
 
-int COdictObjectTree::load(const QString &fileName, const QString &documentType)
+QList<COdictDroppedRecord> COdictObjectTree::droppedRecords() const { return d_func()->dropped; }
+void COdictObjectTree::addDroppedRecord(const COdictDroppedRecord &record) { d_func()->dropped.append(record); }
+
+int COdictObjectTree::load(const QString &fileName, const QString &documentType, const COdictProgressCallback &progress)
 {
-    return d_func()->load(fileName, documentType);
+    return d_func()->load(fileName, documentType, progress);
 }
 
-int COdictObjectTree::save(const QString &fileName) { return d_func()->save(fileName); }
+int COdictObjectTree::save(const QString &fileName, const COdictProgressCallback &progress)
+{
+    return d_func()->save(fileName, progress);
+}
 void COdictObjectTree::adoptUnlinkedNode(COdictNode *node) { d_func()->unlinked.append(node); }
 void COdictObjectTree::notifyChanged() { emit objectDictionaryChanged(); }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "COdictDataStructure.h"
+#include "COdictDroppedRecord.h"
 #include "COdictHistory.h"
 #include "COdictItem.h"
 #include "COdictObjectId.h"
 #include "COdictObjectName.h"
+#include "COdictProgress.h"
 #include "CXMLMetaData.h"
 #include "NkrOdict.h"
 #include "krodict_export.h"
@@ -180,11 +182,18 @@ public:
     /// Records a load warning and sends it to the log.
     void addWarning(const QString &text);
 
+    /// The records the last load did not take into the tree (see COdictDroppedRecord).
+    QList<COdictDroppedRecord> droppedRecords() const;
+    /// Records a dropped record of the running load (the caller logs the reason).
+    void addDroppedRecord(const COdictDroppedRecord &record);
+
     /// Reads a document into this tree (cleared by the caller). \a documentType is the type the
-    /// caller asks for (empty: the tree's own choice). 0 read; 1 not opened.
-    int load(const QString &fileName, const QString &documentType);
-    /// Writes the tree as a document; 0 written, 1 the head could not be built, 2 not saved.
-    int save(const QString &fileName);
+    /// caller asks for (empty: the tree's own choice). \a progress gets the bytes read. 0 read;
+    /// 1 not opened.
+    int load(const QString &fileName, const QString &documentType, const COdictProgressCallback &progress = {});
+    /// Writes the tree as a document; \a progress gets the objects written. 0 written, 1 the
+    /// head could not be built, 2 not saved.
+    int save(const QString &fileName, const COdictProgressCallback &progress = {});
 
     /// Keeps a node that an edit registered but could not link (see COdictEdit); it is deleted
     /// with the tree or by clear().

@@ -26,8 +26,8 @@ public:
     virtual bool changeObjectId(const COdictObjectId &from, const COdictObjectId &to);
     virtual void setMetaData(const CXMLMetaData &meta);
     virtual void addWarning(const QString &text);
-    virtual int load(const QString &fileName, const QString &documentType);
-    virtual int save(const QString &fileName);
+    virtual int load(const QString &fileName, const QString &documentType, const COdictProgressCallback &progress);
+    virtual int save(const QString &fileName, const COdictProgressCallback &progress);
 
     template <class X>
     COdictNode *createObjectNode(const X &object, NkrOdict::eItemType_t type, bool *ok);
@@ -44,6 +44,7 @@ public:
     CXMLMetaData metaData;
     QString fileName;
     QStringList warnings;
+    QList<COdictDroppedRecord> dropped; // what the last load did not take into the tree
     COdictDataStructure dataStructures;
     COdictHistory history;
     QList<COdictNode *> unlinked; // owned: registered by an edit that could not link them

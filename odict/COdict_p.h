@@ -37,6 +37,7 @@ public:
     COdictObjectTree *tree = nullptr;
     bool valid = false;
     QLocale::Language language = QLocale::C;
+    COdictProgressCallback progress; ///< loads, saves and exports report here
 
 protected:
     /// The common steps of the three loads: clear, read, set the valid flag.

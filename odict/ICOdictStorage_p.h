@@ -1,5 +1,6 @@
 #pragma once
 
+#include "COdictProgress.h"
 #include "NkrOdict.h"
 
 #include <QString>
@@ -22,14 +23,18 @@ public:
 
     /// Reads \a fileName as a \a documentType document into the cleared \a tree, with meta
     /// data, history and data structures when \a withDocumentData is set; messages go to \a log
-    /// (not owned). 0 read; any other value: not opened, and \a error says why.
+    /// (not owned); \a progress gets the bytes read. 0 read; any other value: not opened, and
+    /// \a error says why.
     virtual int read(COdictObjectTree &tree, const QString &fileName, const QString &documentType,
-                     bool withDocumentData, ICLogfile *log, QString *error) const = 0;
+                     bool withDocumentData, ICLogfile *log, QString *error,
+                     const COdictProgressCallback &progress) const = 0;
     /// Writes \a tree as a \a documentType document headed by \a meta, with history and data
     /// structures when \a withDocumentData is set. 0 written; 1 the head could not be built;
-    /// 2 the file could not be written (the previous file is untouched), and \a error says why.
+    /// 2 the file could not be written (the previous file is untouched), and \a error says why;
+    /// \a progress gets the objects written.
     virtual int write(const COdictObjectTree &tree, const QString &fileName, const QString &documentType,
-                      const CXMLMetaData &meta, bool withDocumentData, ICLogfile *log, QString *error) const = 0;
+                      const CXMLMetaData &meta, bool withDocumentData, ICLogfile *log, QString *error,
+                      const COdictProgressCallback &progress) const = 0;
     /// One object of \a kind read from an "Object" element (or from the "Object" child of
     /// \a element); a new object owned by the caller.
     virtual COdictObject *readObject(const QDomElement &element, NkrOdict::eObjectType_t kind) const = 0;

@@ -68,11 +68,15 @@ void COdictExportBasePrivate::guardClose(const QString &path)
 
 bool COdictExportBasePrivate::write(const QString &path) const
 {
-    return writeLines(path, lines);
+    return writeLines(path, lines, odict ? odict->progressCallback() : COdictProgressCallback());
 }
 
-bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList &lines)
+bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList &lines, const COdictProgressCallback &progress)
 {
+    if (!CSaveFile::checkTarget(path))
+        return false; // a FIFO or device is never replaced by a regular file
+    COdictProgressMeter meter(progress, lines.size());
+    qint64 done = 0;
     QByteArray bytes("\xEF\xBB\xBF");
     int estimate = bytes.size();
     for (const QString &line : lines)
@@ -81,6 +85,7 @@ bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList 
     for (const QString &line : lines) {
         bytes += line.toUtf8();
         bytes += '\n';
+        meter.update(++done);
     }
 
     // A save file keeps an existing file untouched until the new content is complete.
@@ -89,7 +94,10 @@ bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList 
         return false;
     if (file.write(bytes) != bytes.size())
         file.cancelWriting();
-    return CSaveFile::commit(file);
+    if (!CSaveFile::commit(file))
+        return false;
+    meter.finish();
+    return true;
 }
 
 QString COdictExportBasePrivate::targetPath(const QString &directory, const QString &fileName)

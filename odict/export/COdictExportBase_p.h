@@ -1,6 +1,7 @@
 #pragma once
 
 #include "COdictObjectId.h"
+#include "COdictProgress.h"
 
 #include <QDate>
 #include <QString>
@@ -34,7 +35,8 @@ public:
 
     /// Writes \a lines atomically as UTF-8 with a byte-order mark, each line followed by a line
     /// feed (CR LF on Windows). Either the whole file is replaced or nothing changes on disk.
-    static bool writeLines(const QString &path, const QStringList &lines);
+    /// A FIFO, device or directory at \a path is refused. \a progress gets the lines written.
+    static bool writeLines(const QString &path, const QStringList &lines, const COdictProgressCallback &progress = {});
 
     /// The date written into the banners: the one set, else today.
     QDate exportDate() const { return date.isValid() ? date : QDate::currentDate(); }

@@ -9,11 +9,13 @@
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
 #include "COdictXmlObject_p.h"
+#include "CMessageBoardHelper.h"
 #include "CSaveFile.h"
+#include "CXmlCheckedReader.h"
+#include "CXmlInputCheck.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -45,7 +47,7 @@ COdictNode *createNode(COdictObjectTree &tree, const COdictObject &object, eItem
     }
 }
 
-sText_t attribute(const QXmlStreamReader &reader, const QString &name)
+sText_t attribute(const CXmlCheckedReader &reader, const QString &name)
 {
     sText_t t;
     const QXmlStreamAttributes attributes = reader.attributes();
@@ -57,18 +59,18 @@ sText_t attribute(const QXmlStreamReader &reader, const QString &name)
     return t;
 }
 
-sText_t elementText(QXmlStreamReader &reader)
+sText_t elementText(CXmlCheckedReader &reader)
 {
     sText_t t;
     t.line = int(reader.lineNumber());
-    t.text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+    t.text = reader.elementText();
     t.present = true;
     return t;
 }
 
 /// Reads the entries of an "Enum", "BitSet" or "Param" element: each \a entryTag child with its
 /// \a keyAttribute and text.
-QList<sListEntry_t> readEntries(QXmlStreamReader &reader, QLatin1String entryTag, const QString &keyAttribute)
+QList<sListEntry_t> readEntries(CXmlCheckedReader &reader, QLatin1String entryTag, const QString &keyAttribute)
 {
     QList<sListEntry_t> entries;
     while (reader.readNextStartElement()) {
@@ -84,7 +86,7 @@ QList<sListEntry_t> readEntries(QXmlStreamReader &reader, QLatin1String entryTag
     return entries;
 }
 
-void readHistory(QXmlStreamReader &reader, COdictHistory &history)
+void readHistory(CXmlCheckedReader &reader, COdictHistory &history)
 {
     while (reader.readNextStartElement()) {
         if (reader.name() == QLatin1String("Header"))
@@ -94,7 +96,7 @@ void readHistory(QXmlStreamReader &reader, COdictHistory &history)
     }
 }
 
-void readDataStructures(QXmlStreamReader &reader, COdictDataStructure &list, const Warn &warn)
+void readDataStructures(CXmlCheckedReader &reader, COdictDataStructure &list, const Warn &warn)
 {
     while (reader.readNextStartElement()) {
         if (reader.name() != QLatin1String("DataStructure")) {
@@ -163,8 +165,9 @@ void writeDataStructures(QXmlStreamWriter &x, const COdictDataStructure &list)
 constexpr int indentedLevels = 32;
 
 /// Writes the children of \a top, depth first without recursion.
-void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
+void writeChildren(QXmlStreamWriter &x, const COdictNode *top, COdictProgressMeter &meter)
 {
+    qint64 written = 0;
     struct sFrame_t {
         const COdictNode *node;
         int next;
@@ -186,6 +189,7 @@ void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
             const COdictObject *object = item.objectPtr();
             if (!object || object->isVirtual())
                 continue; // virtual sub-objects are made by the library and never stored
+            meter.update(++written);
             startObject(x, *object);
             writeObjectFields(x, *object);
             bool hasStoredChildren = false;
@@ -206,30 +210,58 @@ void writeChildren(QXmlStreamWriter &x, const COdictNode *top)
     }
 }
 
+/// The reason an object read from line \a line is not valid.
+QString invalidObjectText(const COdictObject &object, int line, bool idPresent, bool idRead)
+{
+    if (!idPresent)
+        return QCoreApplication::translate("Odict", "<Object> (line %1) has no attribute 'id'; it is skipped.").arg(line);
+    if (!idRead)
+        return QCoreApplication::translate("Odict", "<Object> (line %1) has an unreadable id; it is skipped.").arg(line);
+    if (object.id() == 0xFFFFFFFFu)
+        return QCoreApplication::translate("Odict", "<Object> (line %1) has the id 0xffffffff, which means no object; it is skipped.").arg(line);
+    return QCoreApplication::translate("Odict", "<Object> (line %1, id 0x%2) has no name; it is skipped.").arg(line).arg(object.id(), 0, 16);
+}
+
+/// The dropped-record text of a duplicate: the critical message itself is the tree's.
+QString duplicateText(const COdictObjectTree &tree, const COdictObject &object, int line)
+{
+    const COdictNode *existing = tree.node(object.uniqueId());
+    return QCoreApplication::translate("Odict", "<Object> (line %1) '%2' repeats id 0x%3 sub-id 0x%4 of '%5'; it is skipped.")
+        .arg(line)
+        .arg(object.name())
+        .arg(object.id(), 0, 16)
+        .arg(object.subId(), 0, 16)
+        .arg(existing ? existing->dataRef().name() : QString());
+}
+
 } // namespace
 
 COdictXmlFile::COdictXmlFile(ICLogfile *log) : CXmlAbstractKiroFile(log) {}
 
 COdictXmlFile::~COdictXmlFile() = default;
 
-int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const QString &documentType, bool withDocumentData)
+int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const QString &documentType,
+                        bool withDocumentData, const COdictProgressCallback &progress)
 {
     m_error.clear();
-    QFile file(fileName);
-    if (QFileInfo(fileName).isDir() || !file.open(QIODevice::ReadOnly)) {
-        m_error = QCoreApplication::translate("Odict", "Cannot open '%1'.").arg(fileName);
+    QFile file;
+    if (!CXmlInputCheck::openForReading(file, fileName, &m_error))
         return E_OPEN_NOT_READABLE;
-    }
-    QXmlStreamReader reader(&file);
+    // The reader checks every token against the limits (depth, sizes, entities) as it reads, so
+    // the walk below meets only what it can read in bounded time and memory.
+    CXmlCheckedReader reader(&file, fileName, CXmlInputCheck::E_PARSER_STREAM);
     if (!reader.readNextStartElement()) {
-        m_error = reader.hasError()
-            ? QStringLiteral("Line %1, column %2: %3").arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString())
-            : QCoreApplication::translate("Odict", "'%1' holds no document.").arg(fileName);
+        m_error = reader.hasError() ? reader.errorText()
+                                    : CXmlInputCheck::openError(fileName, QStringLiteral("no document element"));
         return E_OPEN_NOT_WELLFORMED;
     }
-    const int head = checkDocumentElement(reader, documentType, formatVersion, &m_error);
-    if (head != E_OPEN_OK)
+    QString headError;
+    const int head = checkDocumentElement(reader.stream(), documentType, formatVersion, &headError);
+    if (head != E_OPEN_OK) {
+        m_error = CXmlInputCheck::readError(fileName, 0, 0, headError);
         return head;
+    }
+    COdictProgressMeter meter(progress, file.size());
 
     const Warn warn = [&tree](const QString &text) { tree.addWarning(text); };
     const eObjectType_t kind = tree.objectType();
@@ -252,17 +284,31 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     stack.push_back({E_CONTAINER, dictionary.get(), nullptr});
 
     // Builds and registers the object of the frame; sub-objects join their owner's sub-id list.
+    // An object that is not taken is recorded as dropped, and said so in the log.
     auto registerObject = [&](sFrame_t &frame) {
         frame.registered = true;
-        std::unique_ptr<COdictObject> object(buildObject(*frame.record, kind, warn));
-        frame.record.reset();
-        if (!object->isValid())
+        const std::unique_ptr<sObjectRecord_t> record = std::move(frame.record);
+        const int line = record->line;
+        const bool idPresent = record->id.present;
+        bool idRead = false;
+        if (idPresent)
+            CDomDoc::toU32(record->id.text, &idRead);
+        std::unique_ptr<COdictObject> object(buildObject(*record, kind, warn));
+        if (!object->isValid()) {
+            const QString text = invalidObjectText(*object, line, idPresent, idRead);
+            if (idPresent && idRead)
+                warn(text); // a missing or unreadable id has been reported by the object reader
+            tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_INVALID_OBJECT, line,
+                                                      object->uniqueId(), object->name(), text));
             return;
+        }
         bool ok = false;
         const eItemType_t type = object->isSubObject() ? E_IT_SUBOBJECT : E_IT_OBJECT;
         COdictNode *node = createNode(tree, *object, type, &ok);
         if (!ok) {
-            delete node;
+            delete node; // the tree has logged the duplicate
+            tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_DUPLICATE_ID, line, object->uniqueId(),
+                                                      object->name(), duplicateText(tree, *object, line)));
             return;
         }
         frame.node->appendChild(node);
@@ -271,8 +317,40 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             frame.node->dataPtr()->objectPtr()->addSubId(object->subId());
     };
 
+    // Skips an element of the SubObjects of a sub-object or of a dropped object: every "Object"
+    // in it (or the element itself) is reported as dropped.
+    auto skipElement = [&]() {
+        int depth = 0;
+        for (QXmlStreamReader::TokenType token = reader.stream().tokenType();; token = reader.readNext()) {
+            if (token == QXmlStreamReader::StartElement) {
+                ++depth;
+                if (reader.name() != QLatin1String("Object"))
+                    continue;
+                const auto number = [](const sText_t &t) {
+                    bool ok = false;
+                    const quint32 value = t.present ? CDomDoc::toU32(t.text, &ok) : 0u;
+                    return ok ? value : 0xFFFFFFFFu;
+                };
+                const COdictObjectId key(number(attribute(reader, QStringLiteral("id"))),
+                                         number(attribute(reader, QStringLiteral("subid"))));
+                const int line = int(reader.lineNumber());
+                const QString text = QCoreApplication::translate("Odict", "<Object> (line %1) lies below a sub-object or below an object that was not loaded; it is skipped.").arg(line);
+                warn(text);
+                tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_UNREAD_SUBOBJECT, line, key, QString(), text));
+            } else if (token == QXmlStreamReader::EndElement) {
+                if (--depth == 0)
+                    return;
+            } else if (token == QXmlStreamReader::Invalid || token == QXmlStreamReader::EndDocument) {
+                return;
+            }
+        }
+    };
+
+    int tokens = 0;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
+        if ((++tokens & 0xFFF) == 0)
+            meter.update(file.pos());
         if (token == QXmlStreamReader::EndElement) {
             if (stack.size() == 1)
                 break; // the document element ends
@@ -319,7 +397,7 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             continue;
         }
         if (top.kind == E_SKIP) {
-            reader.skipCurrentElement();
+            skipElement();
             continue;
         }
         if (tag == QLatin1String("Group")) {
@@ -335,11 +413,11 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             COdictNode *parent = top.node;
             stack.push_back({E_OBJECT, parent, std::move(record)});
         } else if (top.kind == E_GROUP && tag == QLatin1String("Name")) {
-            top.node->dataPtr()->setName(reader.readElementText(QXmlStreamReader::IncludeChildElements).toUpper());
+            top.node->dataPtr()->setName(reader.elementText().toUpper());
         } else if (top.kind == E_GROUP && tag == QLatin1String("UiName")) {
-            top.node->dataPtr()->setUiName(translated(reader.readElementText(QXmlStreamReader::IncludeChildElements)));
+            top.node->dataPtr()->setUiName(translated(reader.elementText()));
         } else if (stack.size() == 1 && tag == QLatin1String("Name")) {
-            dictionaryName = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+            dictionaryName = reader.elementText();
         } else if (stack.size() == 1 && tag == QLatin1String("Header")) {
             meta = readHeader(reader);
         } else if (stack.size() == 1 && tag == QLatin1String("History")) {
@@ -347,15 +425,16 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
         } else if (stack.size() == 1 && tag == QLatin1String("DataStructures")) {
             readDataStructures(reader, dataStructures, warn);
         } else {
-            reader.skipCurrentElement();
+            reader.skipCurrentElement(); // unknown elements are skipped without a message
         }
     }
 
     if (reader.hasError()) {
-        m_error = QStringLiteral("Line %1, column %2: %3").arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString());
+        m_error = reader.errorText();
         tree.unindexSubtree(dictionary.get());
         return E_OPEN_NOT_WELLFORMED;
     }
+    meter.finish();
 
     setMetaData(meta);
     if (withDocumentData) {
@@ -364,8 +443,14 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
         tree.setDataStructures(dataStructures);
     }
     if (dictionaryName.isEmpty()) {
-        // A document without a name loads as an empty dictionary.
+        // A document without a name loads as an empty dictionary; what it held is reported.
+        const int lost = tree.allObjectUIds(dictionary.get()).size();
         tree.unindexSubtree(dictionary.get());
+        if (lost > 0) {
+            const QString text = QCoreApplication::translate("Odict", "The document names no dictionary (its <Name> is missing or empty); its %1 objects are not loaded.").arg(lost);
+            warn(text);
+            tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_NO_DICTIONARY, 0, COdictObjectId(), QString(), text));
+        }
         return E_OPEN_OK;
     }
     dictionary->dataPtr()->setName(dictionaryName);
@@ -374,16 +459,15 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
 }
 
 int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, const QString &documentType,
-                         const CXMLMetaData &meta, bool withDocumentData)
+                         const CXMLMetaData &meta, bool withDocumentData, const COdictProgressCallback &progress)
 {
     m_error.clear();
     if (documentType.isEmpty())
         return 1;
     QSaveFile file(fileName);
-    if (QFileInfo(fileName).isDir() || !file.open(QIODevice::WriteOnly)) {
-        m_error = QCoreApplication::translate("Odict", "Cannot write '%1': %2").arg(fileName, file.errorString());
+    if (!CSaveFile::open(file, &m_error))
         return 2;
-    }
+    COdictProgressMeter meter(progress, tree.idIndex().size());
     QXmlStreamWriter x(&file);
     x.setCodec("UTF-8");
     x.setAutoFormatting(true);
@@ -402,16 +486,17 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
         writeDataStructures(x, tree.dataStructures());
     }
     if (dictionary)
-        writeChildren(x, dictionary);
+        writeChildren(x, dictionary, meter);
     x.setAutoFormatting(true);
     x.writeEndElement();
     x.writeEndDocument();
     if (x.hasError())
         file.cancelWriting();
     if (!CSaveFile::commit(file)) {
-        m_error = QCoreApplication::translate("Odict", "Cannot write '%1': %2").arg(fileName, file.errorString());
+        m_error = CSaveFile::writeError(fileName, file.errorString());
         return 2;
     }
+    meter.finish();
     return 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CXmlAbstractKiroFile.h"
+#include "COdictProgress.h"
 #include "NkrOdict.h"
 #include "krodict_export.h"
 
@@ -30,14 +31,18 @@ public:
     ~COdictXmlFile() override;
 
     /// Reads \a fileName as a document of \a documentType into the (cleared) \a tree. Meta data,
-    /// history and data structures are taken when \a withDocumentData is set. Answers the
-    /// result of CXmlAbstractKiroFile::open (0 read).
-    int read(COdictObjectTree &tree, const QString &fileName, const QString &documentType, bool withDocumentData);
+    /// history and data structures are taken when \a withDocumentData is set. The file passes
+    /// the checks and limits of CXmlInputCheck first. Records that are not taken go to the
+    /// tree's dropped records. \a progress gets the bytes read. Answers the result of
+    /// CXmlAbstractKiroFile::open (0 read).
+    int read(COdictObjectTree &tree, const QString &fileName, const QString &documentType, bool withDocumentData,
+             const COdictProgressCallback &progress = {});
 
-    /// Writes \a tree as a document of \a documentType with \a meta as its head; 0 written,
-    /// 1 the head could not be built, 2 the file could not be written.
+    /// Writes \a tree as a document of \a documentType with \a meta as its head; \a progress
+    /// gets the objects written. 0 written, 1 the head could not be built, 2 the file could not
+    /// be written (also when it names a FIFO, device or directory).
     int write(const COdictObjectTree &tree, const QString &fileName, const QString &documentType,
-              const CXMLMetaData &meta, bool withDocumentData);
+              const CXMLMetaData &meta, bool withDocumentData, const COdictProgressCallback &progress = {});
 
     /// The text of the last read or write error.
     QString errorString() const { return m_error; }

@@ -11,20 +11,21 @@ class COdictXmlStorage final : public ICOdictStorage
 {
 public:
     int read(COdictObjectTree &tree, const QString &fileName, const QString &documentType, bool withDocumentData,
-             ICLogfile *log, QString *error) const override
+             ICLogfile *log, QString *error, const COdictProgressCallback &progress) const override
     {
         COdictXmlFile reader(log);
-        const int result = reader.read(tree, fileName, documentType, withDocumentData);
+        const int result = reader.read(tree, fileName, documentType, withDocumentData, progress);
         if (error)
             *error = reader.errorString();
         return result;
     }
 
     int write(const COdictObjectTree &tree, const QString &fileName, const QString &documentType,
-              const CXMLMetaData &meta, bool withDocumentData, ICLogfile *log, QString *error) const override
+              const CXMLMetaData &meta, bool withDocumentData, ICLogfile *log, QString *error,
+              const COdictProgressCallback &progress) const override
     {
         COdictXmlFile writer(log);
-        const int result = writer.write(tree, fileName, documentType, meta, withDocumentData);
+        const int result = writer.write(tree, fileName, documentType, meta, withDocumentData, progress);
         if (error)
             *error = writer.errorString();
         return result;

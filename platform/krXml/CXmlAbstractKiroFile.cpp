@@ -3,7 +3,10 @@
 #include "CMessageBoardHelper.h"
 #include "CSaveFile.h"
 #include "CStr.h"
+#include "CXmlCheckedReader.h"
+#include "CXmlInputCheck.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -170,27 +173,29 @@ int CXmlAbstractKiroFile::open(const QString &fileName, const QString &type, con
         return result;
     };
 
-    const QFileInfo info(fileName);
-    if (!info.exists())
-        return fail(E_OPEN_NOT_READABLE, QStringLiteral("The file '%1' does not exist.").arg(fileName));
-    if (info.isDir())
-        return fail(E_OPEN_NOT_READABLE, QStringLiteral("'%1' is a directory, not a file.").arg(fileName));
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(E_OPEN_NOT_READABLE,
-                    QStringLiteral("Cannot open '%1': %2").arg(fileName, file.errorString()));
-    }
-    const QByteArray content = file.readAll();
+    // One set of checks for every reader: the kind and size of the file, then the content with
+    // a stream reader (depth, sizes, entities, encoding) before the DOM parser, which recurses
+    // once per level and expands entities, ever sees it.
+    QFile file;
+    QString reason;
+    if (!CXmlInputCheck::openForReading(file, fileName, &reason))
+        return fail(E_OPEN_NOT_READABLE, reason);
+    const QByteArray content = file.readAll(); // the size was checked on the open file
+    if (file.error() != QFileDevice::NoError)
+        return fail(E_OPEN_NOT_READABLE, CXmlInputCheck::openError(fileName, file.errorString()));
     file.close();
+    QBuffer buffer;
+    buffer.setData(content);
+    buffer.open(QIODevice::ReadOnly);
+    if (!CXmlInputCheck::checkContent(buffer, fileName, CXmlInputCheck::E_PARSER_DOM, &reason))
+        return fail(E_OPEN_NOT_WELLFORMED, reason);
 
     QDomDocument doc;
     QString message;
     int line = 0;
     int column = 0;
-    if (!doc.setContent(content, false, &message, &line, &column)) {
-        return fail(E_OPEN_NOT_WELLFORMED,
-                    QStringLiteral("Line %1, column %2: %3").arg(QString::number(line), QString::number(column), message));
-    }
+    if (!doc.setContent(content, false, &message, &line, &column))
+        return fail(E_OPEN_NOT_WELLFORMED, CXmlInputCheck::readError(fileName, line, column, message));
 
     const QDomElement root = doc.documentElement();
     QString checkText;
@@ -199,7 +204,7 @@ int CXmlAbstractKiroFile::open(const QString &fileName, const QString &type, con
                                     return handleVersionError(found, expected);
                                 });
     if (check != E_OPEN_OK)
-        return fail(check, checkText);
+        return fail(check, CXmlInputCheck::readError(fileName, 0, 0, checkText));
 
     m_domDoc = CDomDoc(doc);
     m_metaData = metaDataFromElement(root.firstChildElement(kHeader));
@@ -214,7 +219,7 @@ bool CXmlAbstractKiroFile::save(const QString &fileName, const QString &encoding
 {
     const QDomDocument &doc = m_domDoc.document();
     if (doc.documentElement().isNull()) {
-        CMessageBoardHelper::setWarning(QStringLiteral("Cannot save '%1': there is no document.").arg(fileName), m_log);
+        CMessageBoardHelper::setWarning(CSaveFile::writeError(fileName, QStringLiteral("there is no document")), m_log);
         return false;
     }
 
@@ -226,9 +231,9 @@ bool CXmlAbstractKiroFile::save(const QString &fileName, const QString &encoding
     // QSaveFile writes a temporary file beside the target and renames it on commit, so the old
     // file stays untouched until the new one is complete.
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
-        CMessageBoardHelper::setWarning(
-            QStringLiteral("Cannot save '%1': %2").arg(fileName, file.errorString()), m_log);
+    QString reason;
+    if (!CSaveFile::open(file, &reason)) {
+        CMessageBoardHelper::setWarning(reason, m_log);
         return false;
     }
     {
@@ -239,8 +244,7 @@ bool CXmlAbstractKiroFile::save(const QString &fileName, const QString &encoding
             file.cancelWriting();
     }
     if (!CSaveFile::commit(file)) {
-        CMessageBoardHelper::setWarning(
-            QStringLiteral("Cannot save '%1': %2").arg(fileName, file.errorString()), m_log);
+        CMessageBoardHelper::setWarning(CSaveFile::writeError(fileName, file.errorString()), m_log);
         return false;
     }
     return true;
@@ -308,7 +312,20 @@ CXMLMetaData CXmlAbstractKiroFile::readHeader(QXmlStreamReader &reader)
         return meta;
     while (reader.readNextStartElement()) {
         const QString name = reader.name().toString();
-        const QString text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
+        const QString text = CXmlInputCheck::elementText(reader);
+        setMetaPart(meta, QStringRef(&name), text);
+    }
+    return meta;
+}
+
+CXMLMetaData CXmlAbstractKiroFile::readHeader(CXmlCheckedReader &reader)
+{
+    CXMLMetaData meta;
+    if (!reader.isStartElement())
+        return meta;
+    while (reader.readNextStartElement()) {
+        const QString name = reader.name().toString();
+        const QString text = reader.elementText();
         setMetaPart(meta, QStringRef(&name), text);
     }
     return meta;

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+class CXmlCheckedReader;
 class ICLogfile;
 class QXmlStreamReader;
 class QXmlStreamWriter;
@@ -69,6 +70,8 @@ public:
     static void writeHeaderElement(QDomDocument &doc, QDomElement header, const CXMLMetaData &meta);
     /// Reads the "Header" element the stream reader stands on (a StartElement) up to its end.
     static CXMLMetaData readHeader(QXmlStreamReader &reader);
+    /// The same for a reader that checks the limits of CXmlInputCheck.
+    static CXMLMetaData readHeader(CXmlCheckedReader &reader);
     /// Writes \a meta as a "Header" element.
     static void writeHeader(QXmlStreamWriter &writer, const CXMLMetaData &meta);
     /// Checks the document element the stream reader stands on (a StartElement) against type and

@@ -65,6 +65,11 @@ QString fileError(const QString &verb, const QString &file, const QString &reaso
 /// system's reason found by trying (nothing is left behind). Answers E_EXIT_NOT_OPENED.
 int writeFailed(const QString &file, const QString &reason = QString());
 
+/// Switches the progress display on stderr (shown only on a terminal, after a second of work).
+void setProgressEnabled(bool enabled);
+/// Whether a loaded dictionary dropped records; the command then exits E_EXIT_WARNINGS.
+bool droppedRecordsReported();
+
 /// The date the exporters write: SOURCE_DATE_EPOCH when it is set (reproducible builds), else today.
 class QDate;
 QDate exportDate();

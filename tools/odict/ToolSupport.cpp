@@ -6,6 +6,8 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include <cstdio>
@@ -67,14 +69,60 @@ QTextStream &note()
 void setQuiet(bool quiet)
 {
     s_quiet = quiet;
-    // PROGRESS HOOK: -q also switches the progress display off; connect it here when it lands:
-    // setProgressEnabled(!quiet);
+    setProgressEnabled(!quiet); // -q also switches the progress display off
 }
 
 void printHelp(const QString &text)
 {
     stdoutStream() << text;
     stdoutStream().flush();
+}
+
+#include <unistd.h>
+
+namespace {
+
+bool progressEnabled = true;
+bool recordsDropped = false;
+
+/// Progress on stderr: only on a terminal, and only once the work has taken a second.
+COdictProgressCallback terminalProgress()
+{
+    if (!progressEnabled || !::isatty(STDERR_FILENO))
+        return {};
+    struct sState_t {
+        QElapsedTimer timer;
+        qint64 last = -1;
+        bool shown = false;
+    };
+    auto state = std::make_shared<sState_t>();
+    return [state](qint64 done, qint64 total) {
+        if (done < state->last || !state->timer.isValid()) { // a new operation starts
+            *state = sState_t();
+            state->timer.start();
+        }
+        state->last = done;
+        if (!state->shown && state->timer.elapsed() < 1000)
+            return;
+        state->shown = true;
+        const int percent = total > 0 ? int(done * 100 / total) : 100;
+        err() << "\rodict: " << percent << " %" << (done >= total ? "\n" : "");
+        err().flush();
+        if (done >= total)
+            *state = sState_t();
+    };
+}
+
+} // namespace
+
+void setProgressEnabled(bool enabled)
+{
+    progressEnabled = enabled;
+}
+
+bool droppedRecordsReported()
+{
+    return recordsDropped;
 }
 
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int positionals)
@@ -140,18 +188,25 @@ std::unique_ptr<COdictEdit> loadDictionaryFile(const QString &file, CMemoryLogfi
 {
     auto dictionary = std::make_unique<COdictEdit>(kind);
     dictionary->setLogfile(log);
+    dictionary->setProgressCallback(terminalProgress());
     if (log)
         log->clear(); // the creation message is not about the file
     // Parameter dictionaries are read from dictionary files here, not from parameter-set files.
     const int result = kind == NkrOdict::E_OT_PARAMETER ? dictionary->loadParameterDictionary(file)
                                                         : dictionary->loadDictionary(file);
     if (result != 0) {
+        // The reader's reason names the file and the cause once.
         const QStringList reasons = dictionary->warningMessages();
         err() << "odict: "
               << (reasons.isEmpty() ? QStringLiteral("cannot open '%1'").arg(file)
                                     : fileError(QStringLiteral("cannot read"), file, reasons.last()))
               << '\n';
         return nullptr;
+    }
+    // Whatever the loader left out is a finding: one line each, and the command exits 1.
+    for (const COdictDroppedRecord &record : dictionary->droppedRecords()) {
+        note() << "odict: warning: '" << file << "': " << record.text() << '\n';
+        recordsDropped = true;
     }
     return dictionary;
 }

@@ -114,7 +114,9 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(KRODICT_VERSION));
     out().setCodec("UTF-8");
     err().setCodec("UTF-8");
-    const int rc = dispatch(QCoreApplication::arguments());
+    int rc = dispatch(QCoreApplication::arguments());
+    if (rc == E_EXIT_OK && droppedRecordsReported())
+        rc = E_EXIT_WARNINGS; // the loader left records out: a finding, even when the command succeeded
     out().flush();
     err().flush();
     return rc;
