@@ -30,6 +30,7 @@ public:
 
     /// The underlying reader, for names, attributes and positions.
     QXmlStreamReader &stream() { return m_reader; }
+    /// The underlying reader, read-only.
     const QXmlStreamReader &stream() const { return m_reader; }
     /// The name of the current element.
     QStringRef name() const { return m_reader.name(); }
