@@ -3,6 +3,7 @@
 
 #include <CMemoryLogfile.h>
 #include <COdictEdit.h>
+#include <COdictExportDoc.h>
 #include <COdictExportFile.h>
 #include <COdictExportObjectIds.h>
 #include <COdictExportTranslation.h>
@@ -20,16 +21,18 @@ int runExport(const QStringList &arguments)
         "  odict export header FILE -o OUT.h        the firmware's object table header\n"
         "  odict export ids FILE -o DIR             NkrObjectIds.h, the enumeration of all object ids\n"
         "  odict export translation FILE -o DIR     NkrOdictTranslate.h, the display names for translation\n"
+        "  odict export doc FILE -o DIR             a DITA documentation package (bookmap and topics)\n"
         "The date in the files is today, or the day of SOURCE_DATE_EPOCH when that is set."));
-    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids or translation."));
+    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids, translation or doc."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("Output file (header) or directory."), QStringLiteral("OUT")});
     if (!parseArguments(parser, arguments, 2))
         return E_EXIT_USAGE;
     const QString kind = parser.positionalArguments().at(0);
     const QString output = parser.value(QStringLiteral("output"));
-    if (output.isEmpty() || (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation"))) {
-        err() << "odict: usage: odict export header|ids|translation FILE -o OUT\n";
+    if (output.isEmpty() || (kind != QLatin1String("header") && kind != QLatin1String("ids") && kind != QLatin1String("translation")
+                             && kind != QLatin1String("doc"))) {
+        err() << "odict: usage: odict export header|ids|translation|doc FILE -o OUT\n";
         return E_EXIT_USAGE;
     }
     CMemoryLogfile log;
@@ -52,6 +55,11 @@ int runExport(const QStringList &arguments)
         exporter.setDate(exportDate());
         written = exporter.exportToEnum(output);
         target = QDir(output).filePath(QStringLiteral("NkrObjectIds.h"));
+    } else if (kind == QLatin1String("doc")) {
+        COdictExportDoc exporter(dictionary.get());
+        exporter.setDate(exportDate());
+        written = exporter.exportToPackage(output);
+        target = QDir(output).filePath(exporter.mapFileName());
     } else {
         COdictExportTranslation exporter(dictionary.get());
         exporter.setDate(exportDate());

@@ -1,0 +1,107 @@
+#include "COdictDitaWriter_p.h"
+
+#include <QFile>
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+std::filesystem::path nativePath(const QString &path)
+{
+#ifdef Q_OS_WIN
+    return std::filesystem::path(path.toStdWString());
+#else
+    return std::filesystem::path(QFile::encodeName(path).toStdString());
+#endif
+}
+
+} // namespace
+
+COdictDitaWriter::COdictDitaWriter()
+{
+    m_bytes.reserve(16 * 1024); // reserved capacity survives resize(0), so files reuse it
+    m_buffer.setBuffer(&m_bytes);
+}
+
+void COdictDitaWriter::begin(const QString &root, const QString &publicId, const QString &systemId,
+                             const QString &id, const QString &lang)
+{
+    m_buffer.close();
+    m_bytes.resize(0);
+    m_buffer.open(QIODevice::WriteOnly);
+    m_xml.reset(new QXmlStreamWriter(&m_buffer));
+    m_xml->setAutoFormatting(true);
+    m_xml->setAutoFormattingIndent(2);
+    m_xml->writeStartDocument();
+    m_xml->writeDTD(QStringLiteral("<!DOCTYPE %1 PUBLIC \"%2\" \"%3\">").arg(root, publicId, systemId));
+    m_xml->writeStartElement(root);
+    attribute(QStringLiteral("id"), id);
+    if (!lang.isEmpty())
+        attribute(QStringLiteral("xml:lang"), lang);
+}
+
+bool COdictDitaWriter::commit(const QString &path)
+{
+    m_xml->writeEndDocument();
+    m_xml.reset();
+    m_buffer.close();
+    if (m_bytes.isEmpty())
+        return false;
+
+    // Written beside the target and renamed over it: a reader (or the toolkit) sees the old file
+    // or the new one, never a part of one. Unlike QSaveFile this does not flush every file to the
+    // disk, which made a package of 140,000 topics take minutes instead of seconds.
+    const QString partial = path + QStringLiteral(".part");
+    QFile file(partial);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    bool written = file.write(m_bytes) == m_bytes.size() && file.flush();
+    file.close();
+    written = written && file.error() == QFileDevice::NoError;
+    std::error_code error;
+    if (written)
+        std::filesystem::rename(nativePath(partial), nativePath(path), error);
+    if (written && !error)
+        return true;
+    QFile::remove(partial);
+    return false;
+}
+
+void COdictDitaWriter::emptyElement(const QString &name, const QString &attribute, const QString &value)
+{
+    m_xml->writeEmptyElement(name);
+    this->attribute(attribute, value);
+}
+
+void COdictDitaWriter::xref(const QString &href, const QString &text)
+{
+    m_xml->writeStartElement(QStringLiteral("xref"));
+    attribute(QStringLiteral("href"), href);
+    m_xml->writeCharacters(clean(text));
+    m_xml->writeEndElement();
+}
+
+QString COdictDitaWriter::clean(const QString &text)
+{
+    const auto allowed = [](ushort u) {
+        return u >= 0x20 ? u != 0xFFFE && u != 0xFFFF : u == 0x09 || u == 0x0A || u == 0x0D;
+    };
+    const int size = text.size();
+    int i = 0;
+    while (i < size && allowed(text.at(i).unicode()) && !text.at(i).isSurrogate())
+        ++i;
+    if (i == size)
+        return text; // the usual case: nothing to drop, no copy
+    QString clean = text.left(i);
+    for (; i < size; ++i) {
+        const QChar c = text.at(i);
+        if (c.isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate()) {
+            clean += c;
+            clean += text.at(++i);
+        } else if (!c.isSurrogate() && allowed(c.unicode())) {
+            clean += c;
+        }
+    }
+    return clean;
+}
