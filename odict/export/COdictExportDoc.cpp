@@ -105,10 +105,12 @@ const char *const labelTexts[] = {
 };
 static_assert(sizeof(labelTexts) / sizeof(*labelTexts) == L_COUNT, "one text per label");
 
-/// A display text as the application's translation (context "Odict") gives it.
+/// A display text as the application's translation (context "Odict") gives it. Cleaned first:
+/// the look-up goes through UTF-8, which would turn a lone surrogate into a "?".
 QString translated(const QString &text)
 {
-    return text.isEmpty() ? text : QCoreApplication::translate("Odict", text.toUtf8().constData());
+    const QString clean = COdictDitaWriter::clean(text);
+    return clean.isEmpty() ? clean : QCoreApplication::translate("Odict", clean.toUtf8().constData());
 }
 
 /// "0x" and at least \a width upper-case hexadecimal digits.
