@@ -1,11 +1,7 @@
 #pragma once
 
-#include <QBuffer>
-#include <QByteArray>
 #include <QString>
 #include <QXmlStreamWriter>
-
-#include <memory>
 
 /// Builds one DITA file in memory and puts it in place atomically. Every text and attribute value
 /// goes through clean(), so characters that XML 1.0 cannot carry never reach the stream writer
@@ -23,12 +19,12 @@ public:
     /// over it, so a reader sees the old file or the new one. False when it cannot be written.
     bool commit(const QString &path);
 
-    void start(const QString &name) { m_xml->writeStartElement(name); }
-    void end() { m_xml->writeEndElement(); }
-    void attribute(const QString &name, const QString &value) { m_xml->writeAttribute(name, clean(value)); }
-    void text(const QString &text) { m_xml->writeCharacters(clean(text)); }
+    void start(const QString &name) { m_xml.writeStartElement(name); }
+    void end() { m_xml.writeEndElement(); }
+    void attribute(const QString &name, const QString &value) { m_xml.writeAttribute(name, clean(value)); }
+    void text(const QString &text) { m_xml.writeCharacters(clean(text)); }
     /// An element holding only \a text.
-    void element(const QString &name, const QString &text) { m_xml->writeTextElement(name, clean(text)); }
+    void element(const QString &name, const QString &text) { m_xml.writeTextElement(name, clean(text)); }
     /// An empty element with one attribute.
     void emptyElement(const QString &name, const QString &attribute, const QString &value);
     /// A cross reference to \a href showing \a text.
@@ -39,7 +35,8 @@ public:
     static QString clean(const QString &text);
 
 private:
-    QByteArray m_bytes;   ///< the file being built; its capacity is kept from file to file
-    QBuffer m_buffer;
-    std::unique_ptr<QXmlStreamWriter> m_xml; ///< a fresh one per file, so no state carries over
+    // The writer appends to a string: writing to a device instead would encode and write every
+    // small piece on its own, which cost more than the rest of the export.
+    QString m_text;       ///< the file being built; its capacity is kept from file to file
+    QXmlStreamWriter m_xml;  ///< one for all files: it appends to m_text, which begin() empties
 };
