@@ -292,7 +292,7 @@ bool COdictExportDocPrivate::commit(const QString &fileName)
     return writer.commit(QDir(directory).filePath(fileName));
 }
 
-void COdictExportDocPrivate::row(const QStringList &cells)
+void COdictExportDocPrivate::row(std::initializer_list<QString> cells)
 {
     writer.start(QStringLiteral("strow"));
     for (const QString &cell : cells)
@@ -552,7 +552,6 @@ bool COdictExportDocPrivate::writeObject(int topic)
         writer.end();
     }
     writer.end(); // refbody
-
     return commit(fileOf(topic));
 }
 

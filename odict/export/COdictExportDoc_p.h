@@ -8,6 +8,8 @@
 
 #include <QVector>
 
+#include <initializer_list>
+
 class COdictObject;
 
 /// State of one documentation export: the topics planned from the tree, the texts that every
@@ -43,7 +45,8 @@ private:
     void writeProperties(const COdictObject &object);
     /// A table of the objects among the direct children of \a topic, each linked to its topic.
     void writeObjectTable(int topic);
-    void row(const QStringList &cells);
+    /// One table row with a cell per text (a list on the stack: rows are the most frequent call).
+    void row(std::initializer_list<QString> cells);
     /// The translated fixed text \a label (an eLabel_t of the implementation).
     const QString &label(int label) const { return labels.at(label); }
     bool commit(const QString &fileName);
