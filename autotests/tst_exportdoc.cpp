@@ -305,10 +305,12 @@ private slots:
         }
         COdictExportDoc exporter(m_smallDict.get());
         QVERIFY(!exporter.exportToPackage(dir.filePath(target)));
-        // Nothing half-written is left behind.
-        QDirIterator it(dir.path(), QDir::Files, QDirIterator::Subdirectories);
-        while (it.hasNext())
-            QVERIFY2(!it.next().endsWith(QLatin1String(".part")), qPrintable(it.filePath()));
+        // Nothing half-written is left behind: no partial file, no temporary one.
+        QDirIterator it(dir.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString name = QFileInfo(it.next()).fileName();
+            QVERIFY2(!name.endsWith(QLatin1String(".part")) && !name.startsWith(QLatin1Char('.')), qPrintable(name));
+        }
     }
 
     void exportReplacesAnOlderPackage()
@@ -321,7 +323,8 @@ private slots:
         dict->objectTree()->node(0x11u)->dataPtr()->objectPtr()->setUiName(QStringLiteral("Operating mode"));
         QVERIFY(exporter.exportToPackage(dir.path()));
         QVERIFY(readFile(dir.filePath(QStringLiteral("obj_0011.dita"))).contains("<title>Operating mode</title>"));
-        QCOMPARE(packageFiles(dir.path()), packageFiles(m_small.path()));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name), packageFiles(m_small.path()));
+        QVERIFY(QFileInfo(dir.filePath(QStringLiteral("obj_0011.dita"))).permissions() & QFileDevice::ReadOther);
     }
 
     void mapFileNameIsSafe_data()

@@ -35,6 +35,11 @@ public:
     static QString clean(const QString &text);
 
 private:
+    /// Puts a new file at \a path; false when it cannot, or when a file appeared there meanwhile.
+    static bool create(const QString &path, const QByteArray &bytes);
+    /// Replaces the file at \a path by one holding \a bytes.
+    static bool replace(const QString &path, const QByteArray &bytes);
+
     // The writer appends to a string: writing to a device instead would encode and write every
     // small piece on its own, which cost more than the rest of the export.
     QString m_text;       ///< the file being built; its capacity is kept from file to file
