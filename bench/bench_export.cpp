@@ -1,9 +1,12 @@
-// Export speed: the C header, the object-id enumeration and the translation source of a small
-// dictionary, a generated 100,000-object dictionary and a dictionary whose only object sits at
-// 0x7FFFFFF0 (which must cost no more than a small one).
+// Export speed: the C header, the object-id enumeration, the translation source and the
+// documentation package of a small dictionary, a generated 100,000-object dictionary and a
+// dictionary whose only object sits at 0x7FFFFFF0 (which must cost no more than a small one).
+// BM_LoadSaved loads each dictionary from a saved file: the documentation package, one file per
+// object, should take no longer than that.
 
 #include "COdictEdit.h"
 #include "COdictEditorObject.h"
+#include "COdictExportDoc.h"
 #include "COdictExportFile.h"
 #include "COdictExportObjectIds.h"
 #include "COdictExportTranslation.h"
@@ -197,10 +200,34 @@ void BM_ExportTranslate(benchmark::State &state)
     state.SetLabel(label(int(state.range(0))));
 }
 
+void BM_ExportDoc(benchmark::State &state)
+{
+    COdictEdit *dict = dictionary(int(state.range(0)));
+    QTemporaryDir dir;
+    COdictExportDoc exporter(dict);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(exporter.exportToPackage(dir.path()));
+    state.SetLabel(label(int(state.range(0))));
+}
+
+void BM_LoadSaved(benchmark::State &state)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("saved.xml"));
+    dictionary(int(state.range(0)))->saveDictionary(path);
+    for (auto _ : state) {
+        COdictEdit loaded(NkrOdict::E_OT_EDITOR);
+        benchmark::DoNotOptimize(loaded.loadDictionary(path));
+    }
+    state.SetLabel(label(int(state.range(0))));
+}
+
 } // namespace
 
 BENCHMARK(BM_ExportHeader)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ExportEnum)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ExportTranslate)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExportDoc)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LoadSaved)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

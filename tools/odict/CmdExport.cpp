@@ -3,6 +3,7 @@
 
 #include <CMemoryLogfile.h>
 #include <COdictEdit.h>
+#include <COdictExportDoc.h>
 #include <COdictExportEds.h>
 #include <COdictExportFile.h>
 #include <COdictExportObjectIds.h>
@@ -23,11 +24,12 @@ int runExport(const QStringList &arguments)
         "  odict export translation FILE -o DIR     NkrOdictTranslate.h, the display names for translation\n"
         "  odict export eds FILE -o OUT.eds         the electronic data sheet for CANopen masters; objects it\n"
         "                                           leaves out are listed and give exit status 1\n"
+        "  odict export doc FILE -o DIR             a DITA documentation package (bookmap and topics)\n"
         "The date in the files is today, or the day of SOURCE_DATE_EPOCH when that is set; the header\n"
         "writes it in the short date format of the locale (LC_ALL).\n"
         "Exit status: 0 written, 1 written but the input has warnings or objects were left out,\n"
         "2 not read or not written."));
-    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids, translation or eds."));
+    parser.addPositionalArgument(QStringLiteral("KIND"), QStringLiteral("header, ids, translation, eds or doc."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The dictionary file."));
     parser.addOption({{QStringLiteral("o"), QStringLiteral("output")}, QStringLiteral("Output file (header) or directory."), QStringLiteral("OUT")});
     if (!parseArguments(parser, arguments, 2))
@@ -35,7 +37,7 @@ int runExport(const QStringList &arguments)
     const QString kind = parser.positionalArguments().at(0);
     const QString output = parser.value(QStringLiteral("output"));
     const QStringList kinds{QStringLiteral("header"), QStringLiteral("ids"), QStringLiteral("translation"),
-                            QStringLiteral("eds")};
+                            QStringLiteral("eds"), QStringLiteral("doc")};
     if (!kinds.contains(kind))
         return usageError(parser, QStringLiteral("unknown export kind '%1'").arg(kind));
     if (output.isEmpty())
@@ -68,6 +70,11 @@ int runExport(const QStringList &arguments)
         exporter.setDate(exportDate());
         written = exporter.exportToEnum(output);
         target = QDir(output).filePath(QStringLiteral("NkrObjectIds.h"));
+    } else if (kind == QLatin1String("doc")) {
+        COdictExportDoc exporter(dictionary.get());
+        exporter.setDate(exportDate());
+        written = exporter.exportToPackage(output);
+        target = QDir(output).filePath(exporter.mapFileName());
     } else {
         COdictExportTranslation exporter(dictionary.get());
         exporter.setDate(exportDate());

@@ -11,7 +11,7 @@ const sCommand_t commands[] = {
     {"check", "Load a dictionary file and list every warning and critical message.", runCheck},
     {"save", "Load a dictionary file and save it again, normalised: odict save IN OUT.", runSave},
     {"diff", "Compare two dictionary files object by object: odict diff OLD NEW [--format json].", runDiff},
-    {"export", "Export the firmware C header, the object-id enumeration or the translation source.", runExport},
+    {"export", "Export the C header, the id enumeration, the translation source, an EDS or a documentation package.", runExport},
     {"values", "Write or read a data file of current values or parameter sets for a dictionary.", runValues},
     {"narrow", "Narrow a dictionary to one device of the device database and save it.", runNarrow},
     {"devices", "Build the device database from its SQL source: odict devices build SQL -o DB.", runDevices},

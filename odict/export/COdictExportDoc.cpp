@@ -1,0 +1,645 @@
+#include "COdictExportDoc.h"
+#include "COdictExportDoc_p.h"
+
+#include "CDataTypeParser.h"
+#include "COdict.h"
+#include "COdictDataStructure.h"
+#include "COdictEditorObject.h"
+#include "COdictObjectTree.h"
+#include "CStr.h"
+#include "NkrUserLevel.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QLocale>
+#include <QSet>
+
+namespace {
+
+const QString conceptId = QStringLiteral("-//OASIS//DTD DITA 1.2 Concept//EN");
+const QString referenceId = QStringLiteral("-//OASIS//DTD DITA 1.2 Reference//EN");
+const QString bookmapId = QStringLiteral("-//OASIS//DTD DITA 1.2 BookMap//EN");
+const QString frontPage = QStringLiteral("frontpage");
+const QString ditaSuffix = QStringLiteral(".dita");
+
+// The fixed texts of the package, translated once per export (context "COdictExportDoc").
+enum eLabel_t {
+    L_OBJECT_DICTIONARY, L_PROPERTY, L_VALUE, L_NAME, L_DISPLAY_NAME, L_SHORT_NAME, L_ID, L_DS402_INDEX,
+    L_SUB_ID, L_DATA_TYPE, L_SIZE, L_ACCESS_RIGHTS, L_USAGE, L_LEVEL_READ, L_LEVEL_WRITE, L_LEVEL_VISIBLE,
+    L_MINIMUM, L_MAXIMUM, L_DEFAULT, L_UNIT, L_DIGITS, L_VERSION, L_DATE, L_TIME, L_AUTHOR, L_COMMENT,
+    L_GROUPS, L_OBJECTS, L_SUB_OBJECTS, L_EXPORTED, L_HISTORY, L_NO_HISTORY, L_STRUCTURES, L_NO_STRUCTURES,
+    L_DESCRIPTION, L_MEMBERS, L_PROPERTIES, L_VALUES, L_BITS, L_BIT, L_TEXT, L_ELEMENTS,
+    L_FRONT_SHORTDESC, L_GROUP_SHORTDESC, L_EMPTY_GROUP, L_OBJECT_SHORTDESC, L_SUB_SHORTDESC,
+    L_READ, L_WRITE, L_READ_WRITE, L_OPERATOR, L_SERVICE, L_FIELDBUS, L_PLC,
+    L_USAGE_NONE, L_USAGE_OBJECT, L_USAGE_PARAMETER, L_USAGE_ACTUAL, L_USAGE_DATABASE,
+    L_LEVEL_NONE, L_LEVEL_OPERATOR, L_LEVEL_SERVICE, L_LEVEL_EXPERT, L_LEVEL_MANUFACTURER, L_LEVEL_DEVELOPER,
+    L_COUNT
+};
+
+const char *const labelTexts[] = {
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Object dictionary"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Property"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Value"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Name"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Display name"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Short display name"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Id"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "DS402 index"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Sub-id"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Data type"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Size in bytes"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Access rights"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Usage"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "User level read"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "User level write"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "User level visible"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Minimum"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Maximum"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Default"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Unit"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Digits"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Version"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Date"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Time"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Author"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Comment"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Groups"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Objects"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Sub-objects"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Exported"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Version history"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "No version history is recorded."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Data structures"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "No data structures are defined."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Description"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Members"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Properties"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Values"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Bits"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Bit"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Text"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Elements"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Object dictionary %1, version %2."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "The objects of the group %1."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "This group holds no objects."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Object %1, id %2."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "Sub-object %1, id %2, sub-id %3."),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "%1 read"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "%1 write"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "%1 read/write"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "operator"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "service"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "fieldbus"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "PLC"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "none"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "object"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "parameter"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "actual value"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "database parameter"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "none"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "operator"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "service"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "expert"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "manufacturer"),
+    QT_TRANSLATE_NOOP("COdictExportDoc", "developer"),
+};
+static_assert(sizeof(labelTexts) / sizeof(*labelTexts) == L_COUNT, "one text per label");
+
+/// A display text as the application's translation (context "Odict") gives it. Cleaned first:
+/// the look-up goes through UTF-8, which would turn a lone surrogate into a "?".
+QString translated(const QString &text)
+{
+    const QString clean = COdictDitaWriter::clean(text);
+    return clean.isEmpty() ? clean : QCoreApplication::translate("Odict", clean.toUtf8().constData());
+}
+
+/// "0x" and at least \a width upper-case hexadecimal digits.
+QString hex(quint64 value, int width)
+{
+    return QStringLiteral("0x") + QString::number(value, 16).toUpper().rightJustified(width, QLatin1Char('0'));
+}
+
+/// The topic id of an object: "obj_" and the id in hexadecimal, "_" and the sub-id for a sub-object.
+QString objectTopicId(const COdictObject &object)
+{
+    QString id = QStringLiteral("obj_") + QString::number(object.id(), 16).rightJustified(4, QLatin1Char('0'));
+    if (object.isSubObject())
+        id += QLatin1Char('_') + QString::number(object.subId(), 16).rightJustified(2, QLatin1Char('0'));
+    return id;
+}
+
+/// \a text reduced to lower-case ASCII letters, digits and "_": valid in an XML name after a
+/// prefix, and the same file on file systems that ignore case.
+QString nameCharacters(const QString &text)
+{
+    QString result = text.toLower();
+    for (QChar &c : result) {
+        const ushort u = c.unicode();
+        if (!((u >= 'a' && u <= 'z') || (u >= '0' && u <= '9')))
+            c = QLatin1Char('_');
+    }
+    return result;
+}
+
+/// \a base, or \a base with "_2", "_3", ... when another topic has it already.
+QString uniqueId(const QString &base, QSet<QString> &used)
+{
+    QString id = base;
+    for (int n = 2; used.contains(id); ++n)
+        id = base + QLatin1Char('_') + QString::number(n);
+    used.insert(id);
+    return id;
+}
+
+/// The dictionary's language as an xml:lang value; the C locale's texts are English.
+QString languageTag(QLocale::Language language)
+{
+    if (language == QLocale::C || language == QLocale::AnyLanguage)
+        return QStringLiteral("en");
+    return QLocale(language).bcp47Name();
+}
+
+QString isoDate(const QDate &date)
+{
+    return date.isValid() ? date.toString(Qt::ISODate) : QString();
+}
+
+} // namespace
+
+COdictExportDoc::COdictExportDoc(COdict *odict, QObject *parent)
+    : QObject(parent), d_ptr(new COdictExportDocPrivate(odict))
+{
+}
+
+COdictExportDoc::~COdictExportDoc() = default;
+
+bool COdictExportDoc::exportToPackage(const QString &directory)
+{
+    Q_D(COdictExportDoc);
+    return d->exportToPackage(directory);
+}
+
+QString COdictExportDoc::mapFileName() const
+{
+    Q_D(const COdictExportDoc);
+    return d->mapFileName();
+}
+
+void COdictExportDoc::setDate(const QDate &date)
+{
+    Q_D(COdictExportDoc);
+    d->date = date;
+}
+
+QString COdictExportDocPrivate::mapFileName() const
+{
+    const COdictNode *root = odict ? odict->odictTree() : nullptr;
+    const COdictNode *top = root ? root->child(0) : nullptr;
+    QString name = top ? top->dataRef().name() : QString();
+    // Letters, digits, "-" and "_" of ASCII only: any file system takes them, and no name can
+    // climb out of the directory or hide the file.
+    for (QChar &c : name) {
+        const ushort u = c.unicode();
+        if (!((u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '-' || u == '_'))
+            c = QLatin1Char('_');
+    }
+    return (name.isEmpty() ? QStringLiteral("dictionary") : name) + QStringLiteral(".ditamap");
+}
+
+bool COdictExportDocPrivate::exportToPackage(const QString &outputDirectory)
+{
+    prepare();
+    directory = outputDirectory;
+    lang = odict ? languageTag(odict->language()) : QStringLiteral("en");
+    meta = odict ? odict->odictMetaData() : CXMLMetaData();
+    labels.clear();
+    for (const char *text : labelTexts)
+        labels << QCoreApplication::translate("COdictExportDoc", text);
+    plan();
+
+    bool written = QDir().mkpath(directory) && writeMap() && writeFrontPage();
+    for (int i = 0; written && i < topics.size(); ++i)
+        written = topics.at(i).kind == E_TK_GROUP ? writeGroup(i) : writeObject(i);
+    topics.clear();
+    return written;
+}
+
+void COdictExportDocPrivate::plan()
+{
+    topics.clear();
+    groupTopics = objectTopics = subObjectTopics = 0;
+    const COdictNode *root = odict ? odict->odictTree() : nullptr;
+    const COdictNode *top = root ? root->child(0) : nullptr;
+    if (!top)
+        return;
+
+    // Pre-order with a work list (trees may be deep); each entry remembers its parent topic so
+    // that the subtree ends can be filled in afterwards.
+    QSet<QString> used;
+    QVector<int> parents;
+    QVector<QPair<const COdictNode *, int>> pending;
+    for (int i = top->childCount() - 1; i >= 0; --i)
+        pending.append(qMakePair(top->child(i), -1));
+    while (!pending.isEmpty()) {
+        const auto entry = pending.takeLast();
+        const COdictItem &item = entry.first->dataRef();
+        const COdictObject *object = item.isObjectItem() ? item.objectPtr() : nullptr;
+        sTopic_t topic;
+        topic.node = entry.first;
+        if (object) {
+            topic.kind = item.type() == NkrOdict::E_IT_SUBOBJECT ? E_TK_SUBOBJECT : E_TK_OBJECT;
+            topic.id = uniqueId(objectTopicId(*object), used);
+            ++(topic.kind == E_TK_OBJECT ? objectTopics : subObjectTopics);
+        } else {
+            // Anything that is not an object (a group, or a node of another kind) becomes a
+            // group topic, so that nothing below it goes missing.
+            topic.kind = E_TK_GROUP;
+            const QString name = nameCharacters(item.name());
+            topic.id = uniqueId(QStringLiteral("grp_") + (name.isEmpty() ? QStringLiteral("group") : name), used);
+            ++groupTopics;
+        }
+        const int index = topics.size();
+        topic.end = index + 1;
+        topics.append(topic);
+        parents.append(entry.second);
+        for (int i = entry.first->childCount() - 1; i >= 0; --i)
+            pending.append(qMakePair(entry.first->child(i), index));
+    }
+    for (int i = topics.size() - 1; i >= 0; --i) {
+        if (parents.at(i) >= 0)
+            topics[parents.at(i)].end = qMax(topics.at(parents.at(i)).end, topics.at(i).end);
+    }
+}
+
+QString COdictExportDocPrivate::fileOf(int topic) const
+{
+    return topics.at(topic).id + ditaSuffix;
+}
+
+QString COdictExportDocPrivate::hrefOf(int topic) const
+{
+    return fileOf(topic) + QLatin1Char('#') + topics.at(topic).id;
+}
+
+QString COdictExportDocPrivate::titleOf(int topic) const
+{
+    const QString title = translated(topics.at(topic).node->dataRef().uiName());
+    return title.isEmpty() ? topics.at(topic).id : title;
+}
+
+bool COdictExportDocPrivate::commit(const QString &fileName)
+{
+    return writer.commit(QDir(directory).filePath(fileName));
+}
+
+void COdictExportDocPrivate::row(std::initializer_list<QString> cells)
+{
+    writer.start(QStringLiteral("strow"));
+    for (const QString &cell : cells)
+        writer.element(QStringLiteral("stentry"), cell);
+    writer.end();
+}
+
+bool COdictExportDocPrivate::writeMap()
+{
+    const QString title = odictName.isEmpty() ? label(L_OBJECT_DICTIONARY) : odictName;
+    writer.begin(QStringLiteral("bookmap"), bookmapId, QStringLiteral("bookmap.dtd"), QStringLiteral("bookmap"), lang);
+    writer.start(QStringLiteral("booktitle"));
+    writer.element(QStringLiteral("mainbooktitle"), title);
+    writer.element(QStringLiteral("booktitlealt"), label(L_OBJECT_DICTIONARY));
+    writer.end();
+
+    // The children of bookmeta in the order the DTD demands: author, publisher information
+    // (the export date), critical dates (from the history), product information (the version).
+    writer.start(QStringLiteral("bookmeta"));
+    if (!meta.author().isEmpty())
+        writer.element(QStringLiteral("author"), meta.author());
+    const QDate exported = exportDate();
+    writer.start(QStringLiteral("publisherinformation"));
+    writer.start(QStringLiteral("published"));
+    writer.start(QStringLiteral("completed"));
+    writer.element(QStringLiteral("year"), QString::number(exported.year()));
+    writer.element(QStringLiteral("month"), QString::number(exported.month()).rightJustified(2, QLatin1Char('0')));
+    writer.element(QStringLiteral("day"), QString::number(exported.day()).rightJustified(2, QLatin1Char('0')));
+    writer.end();
+    writer.end();
+    writer.end();
+    const COdictHistory history = odict ? odict->odictHistory() : COdictHistory();
+    // The history is newest first: its last record is the dictionary's first release.
+    const QDate created = history.size() > 0 ? history.at(history.size() - 1).date() : meta.date();
+    if (created.isValid() || meta.date().isValid()) {
+        writer.start(QStringLiteral("critdates"));
+        if (created.isValid())
+            writer.emptyElement(QStringLiteral("created"), QStringLiteral("date"), isoDate(created));
+        if (meta.date().isValid())
+            writer.emptyElement(QStringLiteral("revised"), QStringLiteral("modified"), isoDate(meta.date()));
+        writer.end();
+    }
+    const quint32 version = meta.version().value;
+    writer.start(QStringLiteral("prodinfo"));
+    writer.element(QStringLiteral("prodname"), title);
+    writer.start(QStringLiteral("vrmlist"));
+    writer.start(QStringLiteral("vrm"));
+    writer.attribute(QStringLiteral("version"), QString::number(version >> 24));
+    writer.attribute(QStringLiteral("release"), QString::number((version >> 16) & 0xFFu));
+    writer.attribute(QStringLiteral("modification"), QString::number(version & 0xFFFFu));
+    writer.end();
+    writer.end();
+    writer.end();
+    writer.end(); // bookmeta
+
+    writer.start(QStringLiteral("frontmatter"));
+    writer.emptyElement(QStringLiteral("topicref"), QStringLiteral("href"), frontPage + ditaSuffix);
+    writer.end();
+
+    // Top-level topics are chapters, everything below them nested topic references; the stack
+    // holds the subtree ends of the open ones.
+    QVector<int> open;
+    for (int i = 0; i < topics.size(); ++i) {
+        while (!open.isEmpty() && open.last() <= i) {
+            writer.end();
+            open.removeLast();
+        }
+        writer.start(open.isEmpty() ? QStringLiteral("chapter") : QStringLiteral("topicref"));
+        writer.attribute(QStringLiteral("href"), fileOf(i));
+        open.append(topics.at(i).end);
+    }
+    return commit(mapFileName());
+}
+
+bool COdictExportDocPrivate::writeFrontPage()
+{
+    const QString title = odictName.isEmpty() ? label(L_OBJECT_DICTIONARY) : odictName;
+    const QString version = CStr::versionToString(meta.version());
+    writer.begin(QStringLiteral("concept"), conceptId, QStringLiteral("concept.dtd"), frontPage, lang);
+    writer.element(QStringLiteral("title"), title);
+    writer.element(QStringLiteral("shortdesc"), label(L_FRONT_SHORTDESC).arg(title, version));
+    writer.start(QStringLiteral("conbody"));
+
+    writer.start(QStringLiteral("simpletable"));
+    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 3*"));
+    writer.start(QStringLiteral("sthead"));
+    writer.element(QStringLiteral("stentry"), label(L_PROPERTY));
+    writer.element(QStringLiteral("stentry"), label(L_VALUE));
+    writer.end();
+    row({label(L_NAME), odictName});
+    row({label(L_VERSION), version});
+    row({label(L_DATE), isoDate(meta.date())});
+    row({label(L_AUTHOR), meta.author()});
+    row({label(L_COMMENT), meta.comment()});
+    row({label(L_GROUPS), QString::number(groupTopics)});
+    row({label(L_OBJECTS), QString::number(objectTopics)});
+    row({label(L_SUB_OBJECTS), QString::number(subObjectTopics)});
+    row({label(L_EXPORTED), isoDate(exportDate())});
+    writer.end();
+
+    writer.start(QStringLiteral("section"));
+    writer.attribute(QStringLiteral("id"), QStringLiteral("history"));
+    writer.element(QStringLiteral("title"), label(L_HISTORY));
+    const COdictHistory history = odict ? odict->odictHistory() : COdictHistory();
+    if (history.size() == 0) {
+        writer.element(QStringLiteral("p"), label(L_NO_HISTORY));
+    } else {
+        writer.start(QStringLiteral("simpletable"));
+        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 1* 1* 2* 4*"));
+        writer.start(QStringLiteral("sthead"));
+        for (const int l : {L_VERSION, L_DATE, L_TIME, L_AUTHOR, L_COMMENT})
+            writer.element(QStringLiteral("stentry"), label(l));
+        writer.end();
+        for (int i = 0; i < history.size(); ++i) {
+            const CXMLMetaData record = history.at(i);
+            row({CStr::versionToString(record.version()), isoDate(record.date()),
+                 record.time().isValid() ? record.time().toString(QStringLiteral("HH:mm:ss")) : QString(),
+                 record.author(), record.comment()});
+        }
+        writer.end();
+    }
+    writer.end();
+
+    writer.start(QStringLiteral("section"));
+    writer.attribute(QStringLiteral("id"), QStringLiteral("datastructures"));
+    writer.element(QStringLiteral("title"), label(L_STRUCTURES));
+    const COdictObjectTree *tree = odict ? odict->objectTree() : nullptr;
+    const QList<COdictDataStructure::SDataStructure_t> structures =
+        tree ? tree->dataStructures().list() : QList<COdictDataStructure::SDataStructure_t>();
+    if (structures.isEmpty()) {
+        writer.element(QStringLiteral("p"), label(L_NO_STRUCTURES));
+    } else {
+        writer.start(QStringLiteral("simpletable"));
+        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 2* 2* 4* 4*"));
+        writer.start(QStringLiteral("sthead"));
+        for (const int l : {L_ID, L_NAME, L_DISPLAY_NAME, L_DESCRIPTION, L_MEMBERS})
+            writer.element(QStringLiteral("stentry"), label(l));
+        writer.end();
+        for (const auto &structure : structures) {
+            QStringList members;
+            for (const auto &member : structure.members)
+                members << member.cType + QLatin1Char(' ') + member.name;
+            row({QString::number(structure.id), structure.name, structure.uiName, structure.description,
+                 members.join(QStringLiteral(", "))});
+        }
+        writer.end();
+    }
+    writer.end();
+
+    writer.end(); // conbody
+    return commit(frontPage + ditaSuffix);
+}
+
+bool COdictExportDocPrivate::writeGroup(int topic)
+{
+    const sTopic_t &group = topics.at(topic);
+    const QString title = titleOf(topic);
+    writer.begin(QStringLiteral("concept"), conceptId, QStringLiteral("concept.dtd"), group.id, lang);
+    writer.element(QStringLiteral("title"), title);
+    writer.element(QStringLiteral("shortdesc"), label(L_GROUP_SHORTDESC).arg(title));
+    writer.start(QStringLiteral("conbody"));
+
+    // The direct children: the subtree of each child is skipped by its end.
+    QVector<int> groups;
+    QVector<int> objects;
+    for (int i = topic + 1; i < group.end; i = topics.at(i).end)
+        (topics.at(i).kind == E_TK_GROUP ? groups : objects).append(i);
+    if (!groups.isEmpty()) {
+        writer.start(QStringLiteral("ul"));
+        for (const int i : qAsConst(groups)) {
+            writer.start(QStringLiteral("li"));
+            writer.xref(hrefOf(i), titleOf(i));
+            writer.end();
+        }
+        writer.end();
+    }
+    if (!objects.isEmpty())
+        writeObjectTable(topic);
+    if (groups.isEmpty() && objects.isEmpty())
+        writer.element(QStringLiteral("p"), label(L_EMPTY_GROUP));
+    writer.end(); // conbody
+    return commit(fileOf(topic));
+}
+
+bool COdictExportDocPrivate::writeObject(int topic)
+{
+    const sTopic_t &entry = topics.at(topic);
+    const COdictItem &item = entry.node->dataRef();
+    const COdictObject &object = *item.objectPtr();
+    const COdictEditorObject *editor = item.toEditorObjectPtr();
+
+    writer.begin(QStringLiteral("reference"), referenceId, QStringLiteral("reference.dtd"), entry.id, lang);
+    writer.element(QStringLiteral("title"), titleOf(topic));
+    writer.start(QStringLiteral("titlealts"));
+    writer.element(QStringLiteral("navtitle"), translated(item.uiShortName()));
+    writer.end();
+    QString summary = editor ? editor->shortDescription() : QString();
+    if (summary.isEmpty()) {
+        summary = object.isSubObject()
+            ? label(L_SUB_SHORTDESC).arg(object.name(), hex(object.id(), 4), hex(object.subId(), 2))
+            : label(L_OBJECT_SHORTDESC).arg(object.name(), hex(object.id(), 4));
+    }
+    writer.element(QStringLiteral("shortdesc"), summary);
+
+    writer.start(QStringLiteral("refbody"));
+    const QString description = editor ? editor->description() : QString();
+    if (!description.trimmed().isEmpty()) {
+        writer.start(QStringLiteral("section"));
+        writer.attribute(QStringLiteral("id"), QStringLiteral("description"));
+        writer.element(QStringLiteral("title"), label(L_DESCRIPTION));
+        // One paragraph per line of the text.
+        for (const QString &line : description.split(QLatin1Char('\n'))) {
+            if (!line.trimmed().isEmpty())
+                writer.element(QStringLiteral("p"), line.trimmed());
+        }
+        writer.end();
+    }
+    writeProperties(object);
+
+    const COdictObjectEnum *values = object.enumDataPtr();
+    if (!values->isEmpty()) {
+        writer.start(QStringLiteral("section"));
+        writer.attribute(QStringLiteral("id"), QStringLiteral("values"));
+        writer.element(QStringLiteral("title"), label(L_VALUES));
+        writer.start(QStringLiteral("simpletable"));
+        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 4*"));
+        writer.start(QStringLiteral("sthead"));
+        writer.element(QStringLiteral("stentry"), label(L_VALUE));
+        writer.element(QStringLiteral("stentry"), label(L_TEXT));
+        writer.end();
+        for (const auto &value : values->enums())
+            row({QString::number(value.value), translated(value.name)});
+        writer.end();
+        writer.end();
+    }
+    const COdictObjectBitSet *bits = object.bitSetDataPtr();
+    if (!bits->isEmpty()) {
+        writer.start(QStringLiteral("section"));
+        writer.attribute(QStringLiteral("id"), QStringLiteral("bits"));
+        writer.element(QStringLiteral("title"), label(L_BITS));
+        writer.start(QStringLiteral("simpletable"));
+        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 4*"));
+        writer.start(QStringLiteral("sthead"));
+        writer.element(QStringLiteral("stentry"), label(L_BIT));
+        writer.element(QStringLiteral("stentry"), label(L_TEXT));
+        writer.end();
+        for (const auto &bit : bits->bitSet())
+            row({QString::number(bit.pos), translated(bit.name)});
+        writer.end();
+        writer.end();
+    }
+    if (entry.end > topic + 1) {
+        writer.start(QStringLiteral("section"));
+        writer.attribute(QStringLiteral("id"), QStringLiteral("subobjects"));
+        writer.element(QStringLiteral("title"), label(L_SUB_OBJECTS));
+        writeObjectTable(topic);
+        writer.end();
+    }
+    writer.end(); // refbody
+    return commit(fileOf(topic));
+}
+
+void COdictExportDocPrivate::writeObjectTable(int topic)
+{
+    writer.start(QStringLiteral("simpletable"));
+    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 1* 2* 3*"));
+    writer.start(QStringLiteral("sthead"));
+    for (const int l : {L_ID, L_SUB_ID, L_NAME, L_DISPLAY_NAME})
+        writer.element(QStringLiteral("stentry"), label(l));
+    writer.end();
+    for (int i = topic + 1; i < topics.at(topic).end; i = topics.at(i).end) {
+        if (topics.at(i).kind == E_TK_GROUP)
+            continue;
+        const COdictObject &object = *topics.at(i).node->dataRef().objectPtr();
+        writer.start(QStringLiteral("strow"));
+        writer.element(QStringLiteral("stentry"), hex(object.id(), 4));
+        writer.element(QStringLiteral("stentry"), object.isSubObject() ? hex(object.subId(), 2) : QString());
+        writer.start(QStringLiteral("stentry"));
+        writer.xref(hrefOf(i), object.name());
+        writer.end();
+        writer.element(QStringLiteral("stentry"), titleOf(i));
+        writer.end();
+    }
+    writer.end();
+}
+
+void COdictExportDocPrivate::writeProperties(const COdictObject &object)
+{
+    writer.start(QStringLiteral("section"));
+    writer.attribute(QStringLiteral("id"), QStringLiteral("properties"));
+    writer.element(QStringLiteral("title"), label(L_PROPERTIES));
+    writer.start(QStringLiteral("simpletable"));
+    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 2*"));
+    writer.start(QStringLiteral("sthead"));
+    writer.element(QStringLiteral("stentry"), label(L_PROPERTY));
+    writer.element(QStringLiteral("stentry"), label(L_VALUE));
+    writer.end();
+
+    row({label(L_NAME), object.name()});
+    row({label(L_DISPLAY_NAME), translated(object.uiName())});
+    row({label(L_SHORT_NAME), translated(object.uiShortName())});
+    row({label(L_ID), hex(object.id(), 4)});
+    // Files write 0 for "no DS402 number" as often as the library's 0xFFFFFFFF.
+    if (object.ds402Id() != 0 && object.ds402Id() != COdictObject::NoId)
+        row({label(L_DS402_INDEX), hex(object.ds402Id(), 4)});
+    if (object.isSubObject())
+        row({label(L_SUB_ID), hex(object.subId(), 2)});
+    row({label(L_DATA_TYPE), CDataTypeParser::typeToStr(object.dataType())});
+    row({label(L_SIZE), QString::number(object.dataSize())});
+    if (object.arrayLength() > 1)
+        row({label(L_ELEMENTS), QString::number(object.arrayLength())});
+
+    // Two bits per access path: the even one allows writing, the odd one reading.
+    const unsigned int rights = object.accessRights();
+    QStringList paths;
+    const int pathLabels[] = {L_OPERATOR, L_SERVICE, L_FIELDBUS, L_PLC};
+    for (int p = 0; p < 4; ++p) {
+        const bool write = rights & (1u << (2 * p));
+        const bool read = rights & (2u << (2 * p));
+        if (read || write)
+            paths << label(read && write ? L_READ_WRITE : read ? L_READ : L_WRITE).arg(label(pathLabels[p]));
+    }
+    row({label(L_ACCESS_RIGHTS), hex(rights, 8) + (paths.isEmpty() ? QString() : QStringLiteral(": ") + paths.join(QStringLiteral(", ")))});
+
+    int usage = L_USAGE_NONE;
+    switch (object.baseObjectUsage()) {
+    case NkrOdict::E_OU_DATABASE_PARAMETER: usage = L_USAGE_DATABASE; break;
+    case NkrOdict::E_OU_PARAMETER: usage = L_USAGE_PARAMETER; break;
+    case NkrOdict::E_OU_ACTUAL: usage = L_USAGE_ACTUAL; break;
+    case NkrOdict::E_OU_OBJECT: usage = L_USAGE_OBJECT; break;
+    default: break;
+    }
+    row({label(L_USAGE), label(usage) + QStringLiteral(" (") + hex(object.objectUsage(), 2) + QLatin1Char(')')});
+
+    const auto level = [this](unsigned int value) {
+        const QString number = QString::number(value);
+        return value <= NkrUserLevel::E_UL_DEVELOPER ? label(L_LEVEL_NONE + int(value)) + QStringLiteral(" (") + number + QLatin1Char(')')
+                                                      : number;
+    };
+    row({label(L_LEVEL_READ), level(object.userlevelRead())});
+    row({label(L_LEVEL_WRITE), level(object.userlevelWrite())});
+    row({label(L_LEVEL_VISIBLE), level(object.userlevelVisible())});
+    row({label(L_MINIMUM), object.minValueAsStr()});
+    row({label(L_MAXIMUM), object.maxValueAsStr()});
+    row({label(L_DEFAULT), object.defaultValueAsStr()});
+    row({label(L_UNIT), object.unitText()});
+    row({label(L_DIGITS), object.digits() >= 0 ? QString::number(object.digits()) : QString()});
+    writer.end(); // simpletable
+    writer.end(); // section
+}
