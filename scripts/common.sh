@@ -4,7 +4,8 @@ set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 # Paths below the checkout are hashed relative to it, so clones and worktrees share ccache hits.
 export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$ROOT}"
-PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libbenchmark-dev)
+# clang and its runtimes: the clang build (./test.sh --clang) and the fuzz targets (fuzz/run.sh).
+PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libbenchmark-dev clang libclang-rt-14-dev)
 
 install_missing() {
     local missing=()
