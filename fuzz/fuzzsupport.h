@@ -1,11 +1,8 @@
 #pragma once
 
-// Shared by the fuzz targets: scratch files, a quiet Qt, and how a finding is reported.
+// Shared by the fuzz targets: a quiet Qt, the input filter, and how a finding is reported.
 
-#include <QByteArray>
-#include <QFile>
-#include <QString>
-#include <QTemporaryDir>
+#include "fuzzchecks.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -16,30 +13,18 @@ namespace fuzz {
 /// Qt's own warnings are expected for broken input; they would only hide libFuzzer's report.
 inline void quietMessages(QtMsgType, const QMessageLogContext &, const QString &) {}
 
-/// A path in the target's scratch directory (created once, removed at a normal exit).
-inline QString scratch(const QString &name)
+/// The input as a byte array.
+inline QByteArray bytes(const uint8_t *data, size_t size)
 {
-    static QTemporaryDir dir;
-    static const bool quiet = (qInstallMessageHandler(quietMessages), true);
-    Q_UNUSED(quiet);
-    return dir.filePath(name);
-}
-
-/// Writes the input to the scratch file \a name and answers its path.
-inline QString writeScratch(const QString &name, const uint8_t *data, size_t size)
-{
-    const QString path = scratch(name);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        abort();
-    file.write(reinterpret_cast<const char *>(data), qint64(size));
-    return path;
+    return QByteArray(reinterpret_cast<const char *>(data), int(size));
 }
 
 /// A broken property: printed, then abort(), which libFuzzer records as a crash with its input.
-[[noreturn]] inline void finding(const QString &what)
+inline void report(const QString &finding)
 {
-    fprintf(stderr, "FINDING: %s\n", what.toLocal8Bit().constData());
+    if (finding.isEmpty())
+        return;
+    fprintf(stderr, "FINDING: %s\n", finding.toLocal8Bit().constData());
     abort();
 }
 
@@ -49,8 +34,8 @@ inline QString writeScratch(const QString &name, const uint8_t *data, size_t siz
 /// tags up, end tags and empty-element tags down.
 inline bool beyondReaderLimits(const uint8_t *data, size_t size, int maxDepth = 256)
 {
-    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
-    if (bytes.contains("<!ENTITY") || bytes.contains("<!entity"))
+    const QByteArray input = QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
+    if (input.contains("<!ENTITY") || input.contains("<!entity"))
         return true;
     int depth = 0;
     for (size_t i = 0; i + 1 < size; ++i) {
@@ -65,3 +50,9 @@ inline bool beyondReaderLimits(const uint8_t *data, size_t size, int maxDepth = 
 }
 
 } // namespace fuzz
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    qInstallMessageHandler(fuzz::quietMessages);
+    return 0;
+}
