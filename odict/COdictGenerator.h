@@ -23,8 +23,8 @@ public:
 
     /// Fills the empty \a dictionary with \a objects objects (sub-objects not counted), a
     /// dictionary node, groups, the file head and, for editor dictionaries, history and data
-    /// structures. False, and nothing changed, when the dictionary has no tree, already holds
-    /// something or \a objects is negative.
+    /// structures. False, with nothing changed, when the dictionary has no tree, already holds
+    /// a dictionary node or \a objects is negative.
     bool generate(COdict &dictionary, int objects);
 
     /// The next value that fits \a object's data type and size (bytes for arrays), as the data
