@@ -28,18 +28,34 @@ using namespace NkrOdict;
 
 namespace {
 
-constexpr int kObjects = 1000;      // a dictionary file of about 2.5 MB: long enough to be killed mid-write
+constexpr int kObjects = 800;       // a dictionary file of about 2 MB: long enough to be killed mid-write
 constexpr int kKillsPerWriter = 20; // five writers: 100 kills
 
-/// The two versions the child alternates between.
+/// The two versions the child alternates between: a generated dictionary, and the same with
+/// one object more (one generator run keeps the child's start short under the sanitizers).
 std::unique_ptr<COdictEdit> version(int which)
 {
     auto dict = std::make_unique<COdictEdit>(E_OT_EDITOR);
-    COdictGenerator(quint64(which) + 1).generate(*dict, kObjects);
+    COdictGenerator(1).generate(*dict, kObjects);
+    if (which == 1) {
+        COdictEditorObject extra;
+        extra.setId(0x12345u);
+        extra.setName(QStringLiteral("SECOND_VERSION"));
+        extra.setUiName(QStringLiteral("Zweite Version"));
+        extra.setDataType(NTypes::E_U16);
+        extra.setDataSize(2);
+        extra.setMinValue(CVariant(QStringLiteral("0"), NTypes::E_U16));
+        extra.setMaxValue(CVariant(QStringLiteral("10"), NTypes::E_U16));
+        extra.setDefaultValue(CVariant(QStringLiteral("1"), NTypes::E_U16));
+        COdictObjectTree *tree = dict->objectTree();
+        bool ok = false;
+        tree->dictionaryNode()->appendChild(tree->createObjectNode(extra, E_IT_OBJECT, &ok));
+    }
     return dict;
 }
 
-QList<COdictValueObject> valuesOf(const COdictEdit &dict)
+/// Values for a data file of \a dict; the two versions differ in their first value.
+QList<COdictValueObject> valuesOf(const COdictEdit &dict, int which)
 {
     QList<COdictValueObject> values;
     COdictGenerator generator(7);
@@ -48,6 +64,7 @@ QList<COdictValueObject> valuesOf(const COdictEdit &dict)
         v.setCurrentValue(generator.value(v));
         values << v;
     }
+    values.first().setName(which == 0 ? QStringLiteral("FIRST") : QStringLiteral("SECOND"));
     return values;
 }
 
@@ -92,7 +109,7 @@ bool write(const QString &writer, COdictEdit &dict, const QList<COdictValueObjec
 int runChild(const QString &writer, const QString &dir)
 {
     std::unique_ptr<COdictEdit> dicts[2] = {version(0), version(1)};
-    const QList<COdictValueObject> values[2] = {valuesOf(*dicts[0]), valuesOf(*dicts[1])};
+    const QList<COdictValueObject> values[2] = {valuesOf(*dicts[0], 0), valuesOf(*dicts[1], 1)};
     fputs("ready\n", stdout);
     fflush(stdout);
     for (int i = 0;; i ^= 1) {
@@ -134,7 +151,7 @@ void tst_KillSave::killedWriterLeavesCompleteFile()
 
     // The two complete versions, and how long one write takes here.
     std::unique_ptr<COdictEdit> dicts[2] = {version(0), version(1)};
-    const QList<COdictValueObject> values[2] = {valuesOf(*dicts[0]), valuesOf(*dicts[1])};
+    const QList<COdictValueObject> values[2] = {valuesOf(*dicts[0], 0), valuesOf(*dicts[1], 1)};
     QByteArray expected[2];
     QElapsedTimer timer;
     for (int i = 1; i >= 0; --i) {

@@ -93,7 +93,7 @@ void tst_RoundTrip::shapeOfGeneratedDictionary()
 {
     COdictEdit dict(E_OT_EDITOR);
     COdictGenerator generator(42);
-    QVERIFY(generator.generate(dict, 4000));
+    QVERIFY(generator.generate(dict, 2000));
     QVERIFY(!generator.generate(dict, 10)); // only into an empty dictionary
 
     int objects = 0, withSubs = 0, enums = 0, bits = 0, subIdOfZero = 0;
@@ -110,7 +110,7 @@ void tst_RoundTrip::shapeOfGeneratedDictionary()
         bits += !o->bitSetData().isEmpty();
         ranges << (id.id() < 0x1000 ? 0 : id.id() < 0x2000 ? 1 : id.id() < 0x6000 ? 2 : id.id() < 0x6100 ? 3 : 4);
     }
-    QCOMPARE(objects, 4000);
+    QCOMPARE(objects, 2000);
     QVERIFY(dict.contains(0u));
     QCOMPARE(subIdOfZero, 0);
     QCOMPARE(ranges.size(), 5);
@@ -142,8 +142,8 @@ void tst_RoundTrip::saveThenLoadGivesEqualTree_data()
         QTest::addRow("kind %d, empty", kind) << int(kind) << 0 << 2;
         QTest::addRow("kind %d, one object", kind) << int(kind) << 1 << 20;
         QTest::addRow("kind %d, small", kind) << int(kind) << 7 << 40;
-        QTest::addRow("kind %d, medium", kind) << int(kind) << 60 << 40;
-        QTest::addRow("kind %d, large", kind) << int(kind) << 1500 << 2;
+        QTest::addRow("kind %d, medium", kind) << int(kind) << 60 << 25;
+        QTest::addRow("kind %d, large", kind) << int(kind) << 800 << 2;
     }
 }
 
