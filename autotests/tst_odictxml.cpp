@@ -452,7 +452,7 @@ void tst_OdictXml::deepNestingLoadsCopiesAndSaves()
 {
     const int depth = 10000;
     const QString path = m_dir.filePath(QStringLiteral("deep.xml"));
-    QVERIFY(writeDocument(path, "Deep", [depth](QFile &file) {
+    QVERIFY(writeDocument(path, "Deep", [&](QFile &file) {
         for (int i = 0; i < depth; ++i)
             file.write(QStringLiteral("<Group><Name>g%1</Name><UiName>Level %1</UiName>\n").arg(i).toUtf8());
         file.write("<Object id=\"0x2000\"><Name>BOTTOM</Name><Type>U16</Type><DataSize>2</DataSize></Object>\n");

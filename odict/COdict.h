@@ -40,11 +40,9 @@ using KrOdictOtherInteger = std::enable_if_t<std::is_integral_v<T> && !std::is_s
 #define KRODICT_INTEGER_KEY(fn, CONST)                                      \
     template <class T, KrOdictOtherInteger<T> = 0>                          \
     auto fn(T id) CONST /* deduced, so R may be incomplete here */          \
-    {                                                                       \
-        if constexpr (sizeof(T) == 8)                                       \
-            return fn(static_cast<unsigned long long>(id));                 \
-        else                                                                \
-            return fn(static_cast<unsigned int>(id));                       \
+    {   /* the key type depends on T, so the call is checked only on use */ \
+        return fn(static_cast<std::conditional_t<sizeof(T) == 8,            \
+                                                 unsigned long long, unsigned int>>(id)); \
     }
 
 // Declares one lookup family for every key form: three id forms, three packed forms, three name forms.

@@ -96,7 +96,19 @@ QDataStream &operator>>(QDataStream &in, COdictParameterObject &object)
 {
     in >> static_cast<COdictObject &>(object);
     COdictParameterObjectPrivate &p = *object.dp;
-    in >> p.error >> p.values;
+    in >> p.error;
+    // QMap<int, QVariant> by hand, so that every value goes through the plain-value check.
+    quint32 count = 0;
+    in >> count;
+    p.values.clear();
+    for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+        qint32 set = 0;
+        QVariant value;
+        in >> set;
+        CVariant::readPlainVariant(in, value);
+        if (in.status() == QDataStream::Ok)
+            p.values.insert(set, value);
+    }
     return in;
 }
 

@@ -284,8 +284,10 @@ QDataStream &operator>>(QDataStream &in, COdictValueObject &object)
 {
     in >> static_cast<COdictObject &>(object);
     COdictValueObjectPrivate &p = *object.dv;
-    in >> p.error >> p.readWriteByteIndex >> p.readWriteByteSize >> p.currentValue >> p.setpointValue
-        >> p.valueInHex;
+    in >> p.error >> p.readWriteByteIndex >> p.readWriteByteSize;
+    CVariant::readPlainVariant(in, p.currentValue);
+    CVariant::readPlainVariant(in, p.setpointValue);
+    in >> p.valueInHex;
     return in;
 }
 

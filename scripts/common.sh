@@ -8,6 +8,8 @@ PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libsqli
 # The documentation package: xmllint validates it; the DITA Open Toolkit renders it, on Ant with
 # Xalan (the JDK's own XSLT compiler fails on the toolkit's style sheets) and a Java runtime.
 PACKAGES+=(libxml2-utils dita-ot ant libxalan2-java default-jre-headless)
+# clang and its runtimes: the clang build (./test.sh --clang) and the fuzz targets (fuzz/run.sh).
+PACKAGES+=(clang libclang-rt-14-dev)
 
 install_missing() {
     local missing=()

@@ -313,8 +313,10 @@ QString hex(quint32 value)
 QString valueText(const CVariant &x, const CVariant &y)
 {
     QString text = x.toStr();
+    // A null X before a Y is written as a blank: the reader drops empty parts and would take the
+    // Y for the X, while a blank part reads back as a null X without a warning.
     if (!y.isNull())
-        text += QLatin1Char(';') + y.toStr();
+        text += (text.isEmpty() ? QStringLiteral(" ;") : QStringLiteral(";")) + y.toStr();
     return text;
 }
 

@@ -31,6 +31,11 @@ public:
 
     /// Converts a QVariant to \a type: byte arrays stay bytes, everything else goes through text.
     static CVariant fromVariant(const QVariant &value, NTypes::eTypes_t type);
+    /// Reads a QVariant from \a in like its operator>>, but only one of the plain kinds values
+    /// use (none, bool, integers, floating point, character, text, bytes); any other stored type
+    /// leaves \a value invalid and the stream at ReadCorruptData. Qt's reader trusts the element
+    /// count of a stored list and reserves for it, so a corrupt count would exhaust memory.
+    static void readPlainVariant(QDataStream &in, QVariant &value);
     /// Builds a value directly from a number (clamped to nothing: the caller picks the type).
     static CVariant fromI64(qint64 value, NTypes::eTypes_t type);
     /// Builds a value of \a type directly from an unsigned number.

@@ -27,7 +27,7 @@ constexpr unsigned int RO = E_AR_READ_OPERATOR | E_AR_READ_SERVICE | E_AR_READ_F
 class CDemoBuilder
 {
 public:
-    explicit CDemoBuilder(COdictEdit &dictionary) : m_dict(dictionary), m_tree(*dictionary.objectTree()) {}
+    explicit CDemoBuilder(COdictEdit &dictionary) : m_tree(*dictionary.objectTree()) {}
 
     COdictNode *dictionaryNode(const QString &name)
     {
@@ -124,7 +124,6 @@ public:
     int failures() const { return m_failures; }
 
 private:
-    COdictEdit &m_dict;
     COdictObjectTree &m_tree;
     int m_failures = 0;
 };

@@ -81,6 +81,7 @@ int runSave(const QStringList &arguments);
 int runNarrow(const QStringList &arguments);
 int runDevices(const QStringList &arguments);
 int runDemo(const QStringList &arguments);
+int runGenerate(const QStringList &arguments);
 int runExport(const QStringList &arguments);
 int runValues(const QStringList &arguments);
 int runDiff(const QStringList &arguments);

@@ -16,6 +16,7 @@ const sCommand_t commands[] = {
     {"narrow", "Narrow a dictionary to one device of the device database and save it.", runNarrow},
     {"devices", "Build the device database from its SQL source: odict devices build SQL -o DB.", runDevices},
     {"demo", "Write the demo dictionary from its definition in code.", runDemo},
+    {"generate", "Write a generated dictionary: odict generate --objects N --seed S -o FILE.", runGenerate},
     {"selfcheck", "Check the platform layer (types, values, units, XML head) and print the result.", runSelfCheck},
 };
 
