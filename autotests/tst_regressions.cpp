@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QtTest>
 
+#include <functional>
+
 class tst_Regressions : public QObject
 {
     Q_OBJECT
