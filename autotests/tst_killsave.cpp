@@ -23,6 +23,8 @@
 #include <csignal>
 #include <cstdio>
 #include <memory>
+#include <sys/prctl.h>
+#include <unistd.h>
 
 using namespace NkrOdict;
 
@@ -108,6 +110,10 @@ bool write(const QString &writer, COdictEdit &dict, const QList<COdictValueObjec
 /// The child: builds both versions, says so on stdout, then writes them in turn until killed.
 int runChild(const QString &writer, const QString &dir)
 {
+    // Dies with the test: a parent that aborts must not leave a writer looping behind it.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() == 1)
+        return 1;
     std::unique_ptr<COdictEdit> dicts[2] = {version(0), version(1)};
     const QList<COdictValueObject> values[2] = {valuesOf(*dicts[0], 0), valuesOf(*dicts[1], 1)};
     fputs("ready\n", stdout);

@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QtTest>
 
+#include <functional>
+
 class tst_Regressions : public QObject
 {
     Q_OBJECT
@@ -65,7 +67,8 @@ void tst_Regressions::inputsWaitingForReaderLimits()
 {
     // These crash (deep nesting, entity expansion) until the readers limit their input; replaying
     // them here would take the whole test program down, so they are only listed.
-    const QStringList waiting = QDir(QFINDTESTDATA("data/regressions/limits")).entryList(QDir::Files, QDir::Name);
+    const QDir dir(QFINDTESTDATA("data/regressions") + QStringLiteral("/limits"));
+    const QStringList waiting = dir.exists() ? dir.entryList(QDir::Files, QDir::Name) : QStringList();
     if (!waiting.isEmpty())
         QSKIP(qPrintable(QStringLiteral("not replayed until the readers' limits are in: ") + waiting.join(QStringLiteral(", "))));
 }

@@ -32,7 +32,9 @@ seeds_of() {
     esac
 }
 
-export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1"
+# A smaller quarantine than ASan's 256 MB: at tens of thousands of inputs a second it otherwise
+# grows the resident size towards the memory limit without any leak.
+export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:quarantine_size_mb=64"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 mkdir -p "$BUILD/findings" "$BUILD/logs"
 failed=()

@@ -889,23 +889,28 @@ int storedMetaType(NTypes::eTypes_t type, int count)
 void CVariant::readPlainVariant(QDataStream &in, QVariant &value)
 {
     value = QVariant();
+    // Qt's readers go on reading after a failure, so a failed stream gets no further look.
+    if (in.status() != QDataStream::Ok)
+        return;
     // A stored QVariant starts with its type id; look at it before Qt's reader acts on it.
     const QByteArray head = in.device() ? in.device()->peek(4) : QByteArray();
-    if (in.status() == QDataStream::Ok && head.size() == 4) {
-        const auto b = [&head](int i) { return quint32(quint8(head.at(i))); };
-        const quint32 id = in.byteOrder() == QDataStream::BigEndian ? b(0) << 24 | b(1) << 16 | b(2) << 8 | b(3)
-                                                                    : b(3) << 24 | b(2) << 16 | b(1) << 8 | b(0);
-        switch (id) {
-        case QMetaType::UnknownType: case QMetaType::Bool: case QMetaType::Int: case QMetaType::UInt:
-        case QMetaType::LongLong: case QMetaType::ULongLong: case QMetaType::Double: case QMetaType::Float:
-        case QMetaType::QChar: case QMetaType::QString: case QMetaType::QByteArray: case QMetaType::Long:
-        case QMetaType::Short: case QMetaType::Char: case QMetaType::ULong: case QMetaType::UShort:
-        case QMetaType::UChar: case QMetaType::SChar:
-            break;
-        default:
-            in.setStatus(QDataStream::ReadCorruptData);
-            return;
-        }
+    if (head.size() < 4) {
+        in.setStatus(QDataStream::ReadPastEnd);
+        return;
+    }
+    const auto b = [&head](int i) { return quint32(quint8(head.at(i))); };
+    const quint32 id = in.byteOrder() == QDataStream::BigEndian ? b(0) << 24 | b(1) << 16 | b(2) << 8 | b(3)
+                                                                : b(3) << 24 | b(2) << 16 | b(1) << 8 | b(0);
+    switch (id) {
+    case QMetaType::UnknownType: case QMetaType::Bool: case QMetaType::Int: case QMetaType::UInt:
+    case QMetaType::LongLong: case QMetaType::ULongLong: case QMetaType::Double: case QMetaType::Float:
+    case QMetaType::QChar: case QMetaType::QString: case QMetaType::QByteArray: case QMetaType::Long:
+    case QMetaType::Short: case QMetaType::Char: case QMetaType::ULong: case QMetaType::UShort:
+    case QMetaType::UChar: case QMetaType::SChar:
+        break;
+    default:
+        in.setStatus(QDataStream::ReadCorruptData);
+        return;
     }
     in >> value;
 }
