@@ -15,7 +15,6 @@ class tst_Regressions : public QObject
 private slots:
     void replay_data();
     void replay();
-    void inputsWaitingForReaderLimits();
 };
 
 void tst_Regressions::replay_data()
@@ -61,16 +60,6 @@ void tst_Regressions::replay()
         }
     }
     QFAIL(qPrintable(QStringLiteral("'%1' names no fuzz target (see docs/fuzzing.md)").arg(name)));
-}
-
-void tst_Regressions::inputsWaitingForReaderLimits()
-{
-    // These crash (deep nesting, entity expansion) until the readers limit their input; replaying
-    // them here would take the whole test program down, so they are only listed.
-    const QDir dir(QFINDTESTDATA("data/regressions") + QStringLiteral("/limits"));
-    const QStringList waiting = dir.exists() ? dir.entryList(QDir::Files, QDir::Name) : QStringList();
-    if (!waiting.isEmpty())
-        QSKIP(qPrintable(QStringLiteral("not replayed until the readers' limits are in: ") + waiting.join(QStringLiteral(", "))));
 }
 
 QTEST_GUILESS_MAIN(tst_Regressions)

@@ -28,27 +28,6 @@ inline void report(const QString &finding)
     abort();
 }
 
-/// Inputs that only the readers' input limits (nesting depth, entity declarations) can make
-/// harmless. Those limits are being added to the readers; until they land the targets leave such
-/// inputs out, so the time goes into finding everything else. Depth is counted roughly: start
-/// tags up, end tags and empty-element tags down.
-inline bool beyondReaderLimits(const uint8_t *data, size_t size, int maxDepth = 256)
-{
-    const QByteArray input = QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
-    if (input.contains("<!ENTITY") || input.contains("<!entity"))
-        return true;
-    int depth = 0;
-    for (size_t i = 0; i + 1 < size; ++i) {
-        if (data[i] == '<' && data[i + 1] != '/' && data[i + 1] != '?' && data[i + 1] != '!') {
-            if (++depth > maxDepth)
-                return true;
-        } else if ((data[i] == '<' && data[i + 1] == '/') || (data[i] == '/' && data[i + 1] == '>')) {
-            --depth;
-        }
-    }
-    return false;
-}
-
 } // namespace fuzz
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
