@@ -14,11 +14,31 @@ EXPORTS = ["Header", "Ids", "Translation", "DocPackage", "Eds"]
 LOOKUPS = ["LookupId", "LookupName", "LookupNameSubId", "LookupText", "LookupRefId"]
 
 
-def load_runs(path):
-    """{(what, kind, size): {field: [value per repetition]}} of the measured (not aggregate) runs."""
+def read_json(path):
+    """The suite's JSON; a run that was stopped leaves the file open, which is closed here."""
     with open(path) as f:
-        data = json.load(f)
+        text = f.read()
+    try:
+        return json.loads(text)
+    except json.JSONDecodeError:
+        return json.loads(text[:text.rfind("}") + 1] + "]}")
+
+
+def load_runs(paths):
+    """{(what, kind, size): {field: [value per repetition]}} of the measured (not aggregate) runs
+    of all files; a benchmark found in a later file replaces the earlier one."""
     runs = defaultdict(lambda: defaultdict(list))
+    context = {}
+    for path in paths:
+        data = read_json(path)
+        context = context or data.get("context", {})
+        later = defaultdict(lambda: defaultdict(list))
+        add_runs(later, data)
+        runs.update(later)
+    return context, runs
+
+
+def add_runs(runs, data):
     for b in data["benchmarks"]:
         if b.get("run_type") != "iteration" or b.get("error_occurred"):
             continue
@@ -27,7 +47,6 @@ def load_runs(path):
         for field, value in b.items():
             if isinstance(value, (int, float)) and not isinstance(value, bool):
                 entry[field].append(float(value))
-    return data.get("context", {}), runs
 
 
 class Figures:
@@ -63,8 +82,8 @@ def table(header, rows):
     print()
 
 
-def main(path):
-    context, runs = load_runs(path)
+def main(paths):
+    context, runs = load_runs(paths)
     f = Figures(runs)
     sizes = f.sizes()
     reps = max((len(v.get("cpu_time", [])) for v in runs.values()), default=0)
@@ -188,6 +207,6 @@ def targets(f, sizes):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
-        sys.exit("usage: suite_table.py SUITE.json")
-    main(sys.argv[1])
+    if len(sys.argv) < 2:
+        sys.exit("usage: suite_table.py SUITE.json [MORE.json ...]")
+    main(sys.argv[1:])
