@@ -19,6 +19,12 @@ BUILD="$ROOT/build/bench"
 configure_and_build "$BUILD" Release -DBUILD_TESTING=OFF -- bench_suite
 
 OUT="${KRODICT_BENCH_OUT:-$BUILD/suite.json}"
+# The files and the exports go to tmpfs when there is one: the documentation package writes one
+# file per object, and on a disk shared with builds that measures the disk, not the library.
+if [ -z "${KRODICT_BENCH_TMPDIR:-}" ] && [ -d /dev/shm ] && [ -w /dev/shm ]; then
+    KRODICT_BENCH_TMPDIR=/dev/shm
+fi
+[ -n "${KRODICT_BENCH_TMPDIR:-}" ] && export TMPDIR="$KRODICT_BENCH_TMPDIR"
 PIN=()
 command -v taskset >/dev/null && PIN=(taskset -c "${KRODICT_BENCH_CPU:-1}")
 "${PIN[@]}" "$BUILD/bench/bench_suite" --benchmark_repetitions=5 --benchmark_display_aggregates_only=true \
