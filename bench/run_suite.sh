@@ -3,14 +3,14 @@
 # repetitions, and prints the tables of docs/performance.md (medians with min-max).
 #   bench/run_suite.sh                      all sizes, 5 repetitions
 #   KRODICT_BENCH_SIZES=1000 bench/run_suite.sh --benchmark_repetitions=2    a quick look
-#   bench/run_suite.sh --table-only FILE    the tables of an earlier run's JSON
+#   bench/run_suite.sh --table-only FILE... the tables of earlier runs (a later file wins)
 # Further arguments go to the suite (for example --benchmark_filter=Load).
 set -euo pipefail
 HERE="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 ROOT="$(cd "$HERE/.." && pwd)"
 
 if [ "${1:-}" = "--table-only" ]; then
-    exec python3 "$HERE/suite_table.py" "$2"
+    exec python3 "$HERE/suite_table.py" "${@:2}"
 fi
 
 source "$ROOT/scripts/common.sh"
