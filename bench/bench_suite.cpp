@@ -19,7 +19,6 @@
 #include <COdictExportObjectIds.h>
 #include <COdictExportTranslation.h>
 #include <COdictGenerator.h>
-#include <COdictObjectTree.h>
 #include <COdictValueObject.h>
 
 #include <QCoreApplication>
@@ -36,6 +35,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <functional>
