@@ -64,7 +64,10 @@ COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, const 
     , dataStructures(other.dataStructures)
     , history(other.history)
 {
-    // Index entries are never copied: they are rebuilt so that they point into this tree.
+    // Index entries are never copied: they are rebuilt so that they point into this tree. The
+    // tables are sized once for what the source holds.
+    idIndex.reserve(other.idIndex.size());
+    nameIndex.reserve(other.nameIndex.size());
     COdictObjectTreePrivate::indexSubtree(root);
 }
 
