@@ -3,6 +3,7 @@
 #include "COdictItem.h"
 #include "COdictObject.h"
 #include "COdictObjectTree.h"
+#include "COdictObjectTree_p.h"
 
 #include <QMap>
 #include <QSet>
@@ -16,7 +17,9 @@
 /// - every name index entry points at an object node of this tree whose uniqueName() is the
 ///   entry's key (with duplicate names the entry belongs to one of the nodes of that name), and
 ///   every object node's uniqueName() has an entry;
-/// - no entry of either index points outside the tree, and the sizes agree.
+/// - no entry of either index points outside the tree, and the sizes agree;
+/// - the hash tables beside the two maps hold the same entries: every lookup answers what the
+///   map holds, and each table has as many entries as its map.
 /// Failures are reported with QVERIFY/QCOMPARE; callers check QTest::currentTestFailed() afterwards.
 inline void checkIndexInvariants(const COdictObjectTree &tree)
 {
@@ -74,4 +77,19 @@ inline void checkIndexInvariants(const COdictObjectTree &tree)
         QCOMPARE(it.value()->dataRef().uniqueName().mergedName(), it.key().mergedName());
     }
     QCOMPARE(names.size(), distinctNames.size());
+
+    // The hash tables: lookups (which use them) agree with the maps, and no table keeps an entry
+    // that its map has dropped.
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it)
+        QVERIFY2(tree.node(it.key()) == it.value(), qPrintable(QStringLiteral("id lookup of %1 disagrees with the map")
+                                                                  .arg(it.key().toStr(QStringLiteral("0x")))));
+    for (auto it = names.cbegin(); it != names.cend(); ++it)
+        QVERIFY2(tree.node(it.key()) == it.value(),
+                 qPrintable(QStringLiteral("name lookup of %1 disagrees with the map").arg(it.key().mergedName())));
+    struct Peek : COdictObjectTree // reaches the protected private object, read-only
+    {
+        static const COdictObjectTreePrivate *d(const COdictObjectTree &t) { return (t.*(&Peek::d_ptr)).data(); }
+    };
+    QCOMPARE(Peek::d(tree)->idIndex.hashedCount(), ids.size());
+    QCOMPARE(Peek::d(tree)->nameIndex.hashedCount(), names.size());
 }

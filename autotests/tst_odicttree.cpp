@@ -327,6 +327,107 @@ private slots:
         if (id != oldId.id())
             QVERIFY(!tree.node(oldId));
     }
+
+    // Names are keyed by their merged text, so a name with a sub-id and a name that already ends
+    // in "_<number>" are the same key, for the hash lookups as for the ordered map.
+    void lookupByMergedKey_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<uint>("subId");
+        QTest::addColumn<bool>("found");
+
+        QTest::newRow("as registered") << "Motor_1_2" << none << true;
+        QTest::newRow("name and sub-id") << "Motor_1" << 2u << true;
+        QTest::newRow("digits joined") << "Motor" << 12u << false;
+        QTest::newRow("other sub-id") << "Motor_1" << 4u << false;
+        QTest::newRow("extra sub-id") << "Motor_1_2" << 0u << false;
+        QTest::newRow("other case") << "motor_1" << 2u << false;
+        QTest::newRow("prefix only") << "Motor_1_" << none << false;
+    }
+
+    void lookupByMergedKey()
+    {
+        QFETCH(QString, name);
+        QFETCH(uint, subId);
+        QFETCH(bool, found);
+
+        COdictObjectTree tree(E_OT_VALUE, nullptr);
+        COdictNode *dictionary = addDictionary(tree);
+        COdictNode *motor = addObject(tree, dictionary, 0x3000u, QStringLiteral("Motor_1_2"));
+        addObject(tree, dictionary, 0x3001u, QStringLiteral("Motor_1_3")); // a near miss
+        QCOMPARE(tree.node(name, subId), found ? motor : nullptr);
+        QCOMPARE(tree.node(COdictObjectName(name, subId)), found ? motor : nullptr);
+    }
+
+    void laterNameOfSameMergedKeyTakesTheEntry()
+    {
+        COdictObjectTree tree(E_OT_VALUE, nullptr);
+        COdictNode *dictionary = addDictionary(tree);
+        addObject(tree, dictionary, 0x3000u, QStringLiteral("Motor_12"));
+        COdictNode *owner = addObject(tree, dictionary, 0x3002u, QStringLiteral("Motor"));
+        COdictNode *later = addObject(tree, owner, COdictObjectId(0x3002u, 12u), QStringLiteral("Motor"));
+        QCOMPARE(tree.node(QStringLiteral("Motor_12"), none), later);
+        QCOMPARE(tree.nameIndex().size(), 2);
+        checkIndexInvariants(tree);
+        // Unindexing the later node removes the shared entry, in the map and in the hash.
+        tree.unindexSubtree(later);
+        QVERIFY(!tree.node(QStringLiteral("Motor"), 12u));
+        owner->removeChild(later);
+    }
+
+    // Many objects, then renames, re-numberings and removals in a fixed pseudo-random order: the
+    // hash tables grow, and entries leave from the middle of probe runs, while every lookup must
+    // keep answering what the maps hold.
+    void indexesStayInStepThroughChurn()
+    {
+        COdictObjectTree tree(E_OT_EDITOR, nullptr);
+        COdictNode *dictionary = addDictionary(tree);
+        const uint count = 3000;
+        for (uint i = 0; i < count; ++i) {
+            COdictNode *node = addObject(tree, dictionary, 0x2000u + i, QStringLiteral("OBJ_%1").arg(i));
+            if (i % 5 == 0)
+                addObject(tree, node, COdictObjectId(0x2000u + i, 1u), QStringLiteral("OBJ_%1").arg(i));
+        }
+        checkIndexInvariants(tree);
+        quint32 random = 12345;
+        const auto next = [&random](uint bound) {
+            random = random * 1103515245u + 12345u;
+            return (random >> 8) % bound;
+        };
+        for (int step = 0; step < 4000; ++step) {
+            const uint id = 0x2000u + next(count);
+            COdictNode *node = tree.node(id, none);
+            if (!node)
+                continue;
+            switch (next(3)) {
+            case 0: {
+                COdictEditorObject renamed(*static_cast<const COdictEditorObject *>(node->dataRef().objectPtr()));
+                renamed.setName(QStringLiteral("NEW_%1").arg(step)); // names stay unique: each has an entry
+                QVERIFY(tree.replaceObject(renamed));
+                break;
+            }
+            case 1: {
+                COdictEditorObject moved(*static_cast<const COdictEditorObject *>(node->dataRef().objectPtr()));
+                moved.setId(0x9000u + next(count));
+                tree.replaceObject(moved, COdictObjectId(id)); // refused when the new id is taken
+                break;
+            }
+            default:
+                tree.unindexSubtree(node);
+                dictionary->removeChild(node);
+                break;
+            }
+            if (step % 1000 == 999) {
+                checkIndexInvariants(tree);
+                if (QTest::currentTestFailed())
+                    return;
+            }
+        }
+        checkIndexInvariants(tree);
+        tree.clear();
+        checkIndexInvariants(tree);
+        QVERIFY(!tree.node(0x2001u, none));
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_OdictTree)

@@ -127,7 +127,7 @@ void COdictExtendObjectTreePrivate::dropVirtualSubObjectsFor(const COdictObject 
     // virtual ones would share their sub-ids and get them refused as duplicates.
     if (!stored.isSubObject() || stored.isVirtual())
         return;
-    COdictNode *owner = idIndex.value(COdictObjectId(stored.id()), nullptr);
+    COdictNode *owner = idIndex.value(COdictObjectId(stored.id()));
     COdictObject *ownerObject = owner && owner->hasData() ? owner->dataPtr()->objectPtr() : nullptr;
     if (!ownerObject)
         return;

@@ -64,7 +64,10 @@ COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, const 
     , dataStructures(other.dataStructures)
     , history(other.history)
 {
-    // Index entries are never copied: they are rebuilt so that they point into this tree.
+    // Index entries are never copied: they are rebuilt so that they point into this tree. The
+    // tables are sized once for what the source holds.
+    idIndex.reserve(other.idIndex.size());
+    nameIndex.reserve(other.nameIndex.size());
     COdictObjectTreePrivate::indexSubtree(root);
 }
 
@@ -89,7 +92,7 @@ void COdictObjectTreePrivate::clear()
 
 COdictNode *COdictObjectTreePrivate::node(const COdictObjectName &name) const
 {
-    if (COdictNode *found = nameIndex.value(name, nullptr))
+    if (COdictNode *found = nameIndex.value(name))
         return found;
     return findGroupNode(name.name(), nullptr);
 }
@@ -123,9 +126,10 @@ unsigned int COdictObjectTreePrivate::highestId() const
         return 0;
     // Keys order by their packed form: plain ids first (key = id), then sub-objects by (id, sub-id).
     // The greatest id is that of the last key or that of the last plain key, whichever is larger.
-    unsigned int highest = std::prev(idIndex.cend()).key().id();
-    auto it = idIndex.lowerBound(COdictObjectId(1u, 0u)); // first key of a sub-object of id >= 1
-    while (it != idIndex.cbegin()) {
+    unsigned int highest = std::prev(idIndex.map().cend()).key().id();
+    const COdictObjectTree::IdIndex &ids = idIndex.map();
+    auto it = ids.lowerBound(COdictObjectId(1u, 0u)); // first key of a sub-object of id >= 1
+    while (it != ids.cbegin()) {
         --it;
         // Sub-objects of id 0 pack below 2^32 and sit among the plain ids: step over them.
         if (it.key().subId() == 0xFFFFFFFFu) {
@@ -142,7 +146,8 @@ COdictObjectId COdictObjectTreePrivate::highestUId() const
     // Keys order by their packed form, which puts every plain id before the sub-objects of ids
     // from 1 up and the sub-objects of id 0 among the plain ids, so all keys are looked at.
     COdictObjectId result(0xFFFFFFFFu, 0xFFFFFFFFu);
-    for (auto it = idIndex.cbegin(); it != idIndex.cend(); ++it) {
+    const COdictObjectTree::IdIndex &ids = idIndex.map();
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it) {
         const COdictObjectId &key = it.key();
         if (!key.isValid())
             continue;
@@ -162,7 +167,7 @@ QList<COdictObjectId> COdictObjectTreePrivate::allObjectUIds(const COdictNode *n
         return {};
     const eItemType_t type = node->dataPtr()->type();
     if (type == E_IT_DICTIONARY)
-        return idIndex.keys();
+        return idIndex.map().keys();
     if (type != E_IT_GROUP)
         return {};
     // Direct object children in child order, nested groups spliced in at their places.
@@ -192,7 +197,7 @@ COdictNode *COdictObjectTreePrivate::registerNode(COdictItem *item, bool *ok)
     created->setItem(item);
     const COdictObject *object = item->objectPtr();
     const COdictObjectId uid = object ? object->uniqueId() : COdictObjectId();
-    COdictNode *existing = idIndex.value(uid, nullptr);
+    COdictNode *existing = idIndex.value(uid);
     if (!object || existing) {
         if (existing) {
             const QString message = QStringLiteral("%1 : %2 %3; %4, %5")
@@ -241,7 +246,7 @@ void COdictObjectTreePrivate::unindexSubtree(COdictNode *node)
         const COdictItem &item = current->dataRef();
         if (item.isObjectItem() && item.hasObject()) {
             const COdictObjectId uid = item.objectPtr()->uniqueId();
-            if (idIndex.value(uid, nullptr) == current)
+            if (idIndex.value(uid) == current)
                 idIndex.remove(uid);
             removeName(item.objectPtr()->uniqueName(), current);
         }
@@ -251,9 +256,9 @@ void COdictObjectTreePrivate::unindexSubtree(COdictNode *node)
 
 void COdictObjectTreePrivate::removeName(const COdictObjectName &name, const COdictNode *node)
 {
-    auto it = nameIndex.find(name);
-    if (it != nameIndex.end() && it.value() == node)
-        nameIndex.erase(it);
+    const auto it = nameIndex.map().constFind(name);
+    if (it != nameIndex.map().cend() && it.value() == node)
+        nameIndex.remove(name);
 }
 
 template <class X>
@@ -262,12 +267,12 @@ bool COdictObjectTreePrivate::replaceObject(const X &object, const COdictObjectI
     if (!object.isValid())
         return false;
     const COdictObjectId from = oldId.isNull() ? object.uniqueId() : oldId;
-    COdictNode *target = idIndex.value(from, nullptr);
+    COdictNode *target = idIndex.value(from);
     if (!target || !target->hasData())
         return false;
     COdictItem *item = target->dataPtr();
     const COdictObjectId to = object.uniqueId();
-    if (from != to && idIndex.value(to, nullptr))
+    if (from != to && idIndex.value(to))
         return false; // the new id belongs to another node
     // The item may refuse the object's kind; the indexes follow only an accepted object.
     const COdictObjectName currentName = item->uniqueName();
@@ -286,8 +291,8 @@ bool COdictObjectTreePrivate::replaceObject(const X &object, const COdictObjectI
 
 bool COdictObjectTreePrivate::changeObjectId(const COdictObjectId &from, const COdictObjectId &to)
 {
-    COdictNode *target = idIndex.value(from, nullptr);
-    if (!target || idIndex.value(to, nullptr))
+    COdictNode *target = idIndex.value(from);
+    if (!target || idIndex.value(to))
         return false;
     bool result = true;
     if (from.subId() == 0xFFFFFFFFu) {
@@ -411,7 +416,7 @@ bool COdictObjectTree::isGroup(const COdictNode *node)
     return node && node->hasData() && node->dataPtr()->type() == E_IT_GROUP;
 }
 
-COdictNode *COdictObjectTree::node(const COdictObjectId &id) const { return d_func()->idIndex.value(id, nullptr); }
+COdictNode *COdictObjectTree::node(const COdictObjectId &id) const { return d_func()->idIndex.value(id); }
 COdictNode *COdictObjectTree::node(unsigned int id, unsigned int subId) const { return node(COdictObjectId(id, subId)); }
 COdictNode *COdictObjectTree::node(const COdictObjectName &name) const { return d_func()->node(name); }
 COdictNode *COdictObjectTree::node(const QString &name, unsigned int subId) const { return node(COdictObjectName(name, subId)); }
@@ -447,7 +452,7 @@ COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *fro
 
 unsigned int COdictObjectTree::highestId() const { return d_func()->highestId(); }
 COdictObjectId COdictObjectTree::highestUId() const { return d_func()->highestUId(); }
-QList<COdictObjectId> COdictObjectTree::allObjectUIds() const { return d_func()->idIndex.keys(); }
+QList<COdictObjectId> COdictObjectTree::allObjectUIds() const { return d_func()->idIndex.map().keys(); }
 
 QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) const
 {
@@ -456,7 +461,7 @@ QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) co
 
 QList<unsigned int> COdictObjectTree::allObjectIds() const
 {
-    const IdIndex &index = d_func()->idIndex;
+    const IdIndex &index = d_func()->idIndex.map();
     QList<unsigned int> ids;
     ids.reserve(index.size());
     for (auto it = index.cbegin(); it != index.cend(); ++it)
@@ -526,8 +531,8 @@ void COdictObjectTree::removeName(const COdictObjectName &name, const COdictNode
 void COdictObjectTree::insertName(const COdictObjectName &name, COdictNode *node) { d_func()->nameIndex.insert(name, node); }
 void COdictObjectTree::removeId(const COdictObjectId &id) { d_func()->idIndex.remove(id); }
 void COdictObjectTree::insertId(const COdictObjectId &id, COdictNode *node) { d_func()->idIndex.insert(id, node); }
-const COdictObjectTree::IdIndex &COdictObjectTree::idIndex() const { return d_func()->idIndex; }
-const COdictObjectTree::NameIndex &COdictObjectTree::nameIndex() const { return d_func()->nameIndex; }
+const COdictObjectTree::IdIndex &COdictObjectTree::idIndex() const { return d_func()->idIndex.map(); }
+const COdictObjectTree::NameIndex &COdictObjectTree::nameIndex() const { return d_func()->nameIndex.map(); }
 
 CXMLMetaData COdictObjectTree::metaData() const { return d_func()->metaData; }
 void COdictObjectTree::setMetaData(const CXMLMetaData &meta) { d_func()->setMetaData(meta); }

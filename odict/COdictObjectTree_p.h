@@ -1,6 +1,7 @@
 #pragma once
 
 #include "COdictObjectTree.h"
+#include "COdictTreeIndex_p.h"
 
 /// State of a COdictObjectTree. The public operations forward to the virtuals here, so a
 /// derived tree changes behaviour through its own private class.
@@ -39,8 +40,8 @@ public:
     NkrOdict::eObjectType_t kind;
     ICLogfile *log;              // not owned
     COdictNode *root;            // owned: every node, item and object of the tree
-    COdictObjectTree::IdIndex idIndex;     // values not owned
-    COdictObjectTree::NameIndex nameIndex; // values not owned
+    COdictIdIndex idIndex;       // values not owned
+    COdictNameIndex nameIndex;   // values not owned
     CXMLMetaData metaData;
     QString fileName;
     QStringList warnings;

@@ -77,24 +77,31 @@ bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList 
         return false; // a FIFO or device is never replaced by a regular file
     COdictProgressMeter meter(progress, lines.size());
     qint64 done = 0;
-    QByteArray bytes("\xEF\xBB\xBF");
-    int estimate = bytes.size();
-    for (const QString &line : lines)
-        estimate += line.size() + 1;
-    bytes.reserve(estimate + estimate / 8);
+
+    // A save file keeps an existing file untouched until the new content is complete. The text is
+    // encoded and written in chunks, so the export never holds a second copy of the whole file.
+    QSaveFile file(path);
+    bool writing = file.open(QIODevice::WriteOnly | QIODevice::Text);
+    const bool opened = writing;
+    constexpr int chunkSize = 256 * 1024;
+    QByteArray chunk("\xEF\xBB\xBF");
+    chunk.reserve(chunkSize + chunkSize / 4);
+    const auto flush = [&file, &chunk, &writing]() {
+        if (writing && file.write(chunk) != chunk.size()) {
+            file.cancelWriting();
+            writing = false;
+        }
+        chunk.resize(0); // keeps the capacity
+    };
     for (const QString &line : lines) {
-        bytes += line.toUtf8();
-        bytes += '\n';
+        chunk += line.toUtf8();
+        chunk += '\n';
+        if (chunk.size() >= chunkSize)
+            flush();
         meter.update(++done);
     }
-
-    // A save file keeps an existing file untouched until the new content is complete.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return false;
-    if (file.write(bytes) != bytes.size())
-        file.cancelWriting();
-    if (!CSaveFile::commit(file))
+    flush();
+    if (!opened || !CSaveFile::commit(file))
         return false;
     meter.finish();
     return true;
