@@ -1,5 +1,7 @@
 #include "COdictDitaWriter_p.h"
 
+#include "CXmlText.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -102,24 +104,5 @@ void COdictDitaWriter::xref(const QString &href, const QString &text)
 
 QString COdictDitaWriter::clean(const QString &text)
 {
-    const auto allowed = [](ushort u) {
-        return u >= 0x20 ? u != 0xFFFE && u != 0xFFFF : u == 0x09 || u == 0x0A || u == 0x0D;
-    };
-    const int size = text.size();
-    int i = 0;
-    while (i < size && allowed(text.at(i).unicode()) && !text.at(i).isSurrogate())
-        ++i;
-    if (i == size)
-        return text; // the usual case: nothing to drop, no copy
-    QString clean = text.left(i);
-    for (; i < size; ++i) {
-        const QChar c = text.at(i);
-        if (c.isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate()) {
-            clean += c;
-            clean += text.at(++i);
-        } else if (!c.isSurrogate() && allowed(c.unicode())) {
-            clean += c;
-        }
-    }
-    return clean;
+    return CXmlText::clean(text);
 }

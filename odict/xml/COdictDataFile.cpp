@@ -3,6 +3,7 @@
 #include "CDataTypeParser.h"
 #include "CDomDoc.h"
 #include "CVariant.h"
+#include "CXmlText.h"
 
 #include <QDateTime>
 #include <QDomDocument>
@@ -54,32 +55,13 @@ QString replaceErased(QString text)
     return text.replace(QChar(0xFFFF), QChar(0));
 }
 
-/// Whether XML 1.0 can carry the UTF-16 unit outside a surrogate pair.
-bool isXmlChar(ushort unit)
-{
-    return unit == 0x9 || unit == 0xA || unit == 0xD
-        || (unit >= 0x20 && unit <= 0xFFFD && (unit < 0xD800 || unit > 0xDFFF));
-}
-
 /// \a text as the file can hold it. A text ends at its first U+0000, the firmware's terminator
 /// (corrStr() turns erased memory into terminators), and characters XML 1.0 cannot carry are
 /// dropped: written raw, either would leave a file that no XML reader loads again.
 QString storableText(const QString &text)
 {
     const int end = text.indexOf(QChar(0));
-    const QString head = end < 0 ? text : text.left(end);
-    QString result;
-    result.reserve(head.size());
-    for (int i = 0; i < head.size(); ++i) {
-        const QChar c = head.at(i);
-        if (c.isHighSurrogate() && i + 1 < head.size() && head.at(i + 1).isLowSurrogate()) {
-            result.append(c);
-            result.append(head.at(++i));
-        } else if (isXmlChar(c.unicode())) {
-            result.append(c);
-        }
-    }
-    return result;
+    return CXmlText::clean(end < 0 ? text : text.left(end));
 }
 
 QDomElement appendTextElement(QDomElement parent, const QString &tag, const QString &text)

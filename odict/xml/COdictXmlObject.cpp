@@ -7,6 +7,7 @@
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
 #include "CStr.h"
+#include "CXmlText.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -271,31 +272,9 @@ COdictObject *buildObject(const sObjectRecord_t &r, eObjectType_t kind, const Wa
     }
 }
 
-/// \a text without the characters XML 1.0 cannot carry (control characters other than tab,
-/// line feed and carriage return, U+FFFE, U+FFFF, unpaired surrogates). The stream writer refuses
-/// them, which would make the whole dictionary unsavable because of one text.
 QString xmlText(const QString &text)
 {
-    const auto allowed = [](ushort u) {
-        return u >= 0x20 ? u != 0xFFFE && u != 0xFFFF : u == 0x09 || u == 0x0A || u == 0x0D;
-    };
-    const int size = text.size();
-    int i = 0;
-    while (i < size && allowed(text.at(i).unicode()) && !text.at(i).isSurrogate())
-        ++i;
-    if (i == size)
-        return text; // the usual case: nothing to drop, no copy
-    QString clean = text.left(i);
-    for (; i < size; ++i) {
-        const QChar c = text.at(i);
-        if (c.isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate()) {
-            clean += c;
-            clean += text.at(++i);
-        } else if (!c.isSurrogate() && allowed(c.unicode())) {
-            clean += c;
-        }
-    }
-    return clean;
+    return CXmlText::clean(text);
 }
 
 CXMLMetaData xmlMeta(CXMLMetaData meta)
