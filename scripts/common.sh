@@ -4,7 +4,7 @@ set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 # Paths below the checkout are hashed relative to it, so clones and worktrees share ccache hits.
 export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$ROOT}"
-PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libbenchmark-dev python3 doxygen)
+PACKAGES=(g++ gcc cmake ninja-build ccache qtbase5-dev libqt5sql5-sqlite libsqlite3-dev libbenchmark-dev libexpat1-dev python3 doxygen)
 # The documentation package: xmllint validates it; the DITA Open Toolkit renders it, on Ant with
 # Xalan (the JDK's own XSLT compiler fails on the toolkit's style sheets) and a Java runtime.
 PACKAGES+=(libxml2-utils dita-ot ant libxalan2-java default-jre-headless)
