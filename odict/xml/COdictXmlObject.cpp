@@ -49,6 +49,18 @@ int fieldOf(QStringView tag)
     return index.value(tag, -1);
 }
 
+int fieldOf(QLatin1String tag)
+{
+    // The names point into the static tag table.
+    static const QHash<QLatin1String, int> index = [] {
+        QHash<QLatin1String, int> hash;
+        for (int f = 0; f < F_COUNT; ++f)
+            hash.insert(QLatin1String(fieldTags[f]), f);
+        return hash;
+    }();
+    return index.value(tag, -1);
+}
+
 QString translated(const QString &text)
 {
     return text.isEmpty() ? text : QCoreApplication::translate("Odict", text.toUtf8().constData());
