@@ -98,7 +98,8 @@ CXmlPullReaderPrivate::sTag_t &CXmlPullReaderPrivate::queue(CXmlPullReader::eTok
     tag.token = token;
     tag.name.assign(localName(name));
     tag.attributeCount = 0;
-    tag.line = qint64(XML_GetCurrentLineNumber(parser));
+    if (token == CXmlPullReader::E_TOKEN_END)
+        tag.line = qint64(XML_GetCurrentLineNumber(parser)); // a start tag's line is counted by onStart
     if (!suspended) {
         suspended = true;
         XML_StopParser(parser, XML_TRUE);
