@@ -135,27 +135,25 @@ void XMLCALL CXmlPullReaderPrivate::onStart(void *data, const XML_Char *name, co
         d->fail(QStringLiteral("elements nested deeper than the limit of %1 levels").arg(d->depthLimit), line, column);
         return;
     }
-    int count = 0;
-    for (const XML_Char **a = attributes; *a; a += 2) {
-        const size_t bytes = std::strlen(a[1]);
-        if (qint64(bytes) > CXmlInputCheck::maxAttributeSize
-            && utf16Size(a[1], bytes) > CXmlInputCheck::maxAttributeSize) {
+    // The attributes go into the next free slot first, so that each value is measured once.
+    sTag_t &next = d->tags[d->tagCount];
+    size_t count = 0;
+    for (const XML_Char **a = attributes; *a; a += 2, count += 2) {
+        if (next.attributes.size() < count + 2)
+            next.attributes.resize(count + 2);
+        next.attributes[count].assign(a[0]); // a prefixed name keeps its namespace and matches no plain name
+        const std::string &value = next.attributes[count + 1].assign(a[1]);
+        if (qint64(value.size()) > CXmlInputCheck::maxAttributeSize
+            && utf16Size(value.data(), value.size()) > CXmlInputCheck::maxAttributeSize) {
             d->fail(QStringLiteral("attribute '%1' longer than the limit of %2 characters")
                         .arg(QString::fromUtf8(localName(a[0]))).arg(CXmlInputCheck::maxAttributeSize),
                     line, column);
             return;
         }
-        count += 2;
     }
     sTag_t &tag = d->queue(CXmlPullReader::E_TOKEN_START, name);
     tag.line = line;
-    if (tag.attributes.size() < size_t(count))
-        tag.attributes.resize(size_t(count));
-    for (int i = 0; i < count; i += 2) {
-        tag.attributes[size_t(i)].assign(attributes[i]); // a prefixed name keeps its namespace and matches no plain name
-        tag.attributes[size_t(i + 1)].assign(attributes[i + 1]);
-    }
-    tag.attributeCount = count / 2;
+    tag.attributeCount = int(count / 2);
 }
 
 void XMLCALL CXmlPullReaderPrivate::onEnd(void *data, const XML_Char *name)
