@@ -1,13 +1,16 @@
 // Loading a dictionary beside the two parser floors on the same generated files: a bare expat
-// pass and a bare QXmlStreamReader pass, each touching every element, attribute and text.
+// pass and a bare QXmlStreamReader pass, each touching every element, attribute and text, and
+// the dictionary reader's pull reader alone (its share of the load; the rest is the model).
 // Arguments: object kind (NkrOdict::eObjectType_t), objects. Compare the load with BM_ExpatFloor
 // of the same arguments; run one size at a time with --benchmark_filter=/100000 and pin it
 // (taskset -c 1) on a busy machine.
 #include <COdictEdit.h>
 #include <COdictGenerator.h>
+#include <CXmlPullReader.h>
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 
@@ -115,6 +118,41 @@ void BM_QtStreamFloor(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * QFileInfo(path).size());
 }
 
+/// The dictionary reader's own share: its pull reader over the file, taking every attribute the
+/// reader asks for and the text of every element that is not a container, without the model.
+void BM_PullFloor(benchmark::State &state)
+{
+    const QString path = generated(eObjectType_t(state.range(0)), int(state.range(1)));
+    static const QSet<QLatin1String> containers = {
+        QLatin1String("KiroObjectDictionary"), QLatin1String("Header"), QLatin1String("History"),
+        QLatin1String("DataStructures"), QLatin1String("DataStructure"), QLatin1String("Group"),
+        QLatin1String("Object"), QLatin1String("SubObjects"), QLatin1String("Enum"),
+        QLatin1String("BitSet"), QLatin1String("Param")};
+    for (auto _ : state) {
+        QFile file(path);
+        file.open(QIODevice::ReadOnly);
+        CXmlPullReader reader(&file, path, CXmlInputCheck::E_PARSER_STREAM);
+        sTouched_t touched;
+        QString value;
+        while (!reader.atEnd()) {
+            if (reader.readNext() != CXmlPullReader::E_TOKEN_START)
+                continue;
+            ++touched.elements;
+            for (const char *name : {"id", "subid", "value", "pos"}) {
+                if (reader.attribute(QLatin1String(name), &value))
+                    touched.bytes += value.size();
+            }
+            if (!containers.contains(reader.name()))
+                touched.bytes += reader.elementText().size();
+        }
+        if (reader.hasError())
+            state.SkipWithError("pull reader failed");
+        benchmark::DoNotOptimize(touched);
+        state.counters["elements"] = double(touched.elements);
+    }
+    state.SetBytesProcessed(state.iterations() * QFileInfo(path).size());
+}
+
 void BM_Load(benchmark::State &state)
 {
     const eObjectType_t kind = eObjectType_t(state.range(0));
@@ -143,6 +181,7 @@ void sizesAndKinds(benchmark::internal::Benchmark *b)
 
 BENCHMARK(BM_ExpatFloor)->Apply(sizesAndKinds);
 BENCHMARK(BM_QtStreamFloor)->Apply(sizesAndKinds);
+BENCHMARK(BM_PullFloor)->Apply(sizesAndKinds);
 BENCHMARK(BM_Load)->Apply(sizesAndKinds);
 
 BENCHMARK_MAIN();
