@@ -264,7 +264,7 @@ private slots:
         QTest::newRow("NUL byte") << "content" << document(QByteArray(withNul, sizeof withNul - 1)) << 2 << encoding;
         QTest::newRow("lone surrogate, UTF-8") << "content" << document("<Object id=\"1\"><Name>\xed\xa0\x80</Name></Object>") << 2 << encoding;
         QTest::newRow("lone surrogate, reference") << "content" << document("<Object id=\"1\"><Name>&#xD800;</Name></Object>") << 2
-                                                   << QStringLiteral("line 4, column \\d+: Invalid character reference.");
+                                                   << QStringLiteral("line 4, column \\d+: (?:Invalid character reference\\.|reference to invalid character number)"); // Qt's words, expat's
         QTest::newRow("control character") << "content" << document("<Object id=\"1\"><Name>\x01</Name></Object>") << 2 << encoding;
         const QByteArray whole = document("<Object id=\"1\"><Name>A</Name><Type>U8</Type></Object>");
         for (const int cut : {0, 10, 45, 70, 95, int(whole.size()) - 3})

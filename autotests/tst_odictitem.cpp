@@ -176,8 +176,11 @@ private slots:
                                     COdictItem(COdictValueObject()), COdictItem(COdictEditorObject()),
                                     COdictItem(COdictParameterObject())};
         QSet<QUuid> seen;
-        for (const COdictItem &item : items)
+        for (const COdictItem &item : items) {
             seen.insert(item.refId());
+            QCOMPARE(item.refId().version(), QUuid::Random); // a random UUID, as QUuid::createUuid makes
+            QCOMPARE(item.refId().variant(), QUuid::DCE);
+        }
         QVERIFY(!seen.contains(QUuid()));
         QCOMPARE(seen.size(), int(std::size(items)));
 

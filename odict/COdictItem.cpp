@@ -5,6 +5,8 @@
 #include "COdictParameterObject.h"
 #include "COdictValueObject.h"
 
+#include <QRandomGenerator>
+
 using namespace NkrOdict;
 
 namespace {
@@ -39,32 +41,49 @@ void assignByKind(COdictObject *target, const COdictObject &source, eObjectType_
     }
 }
 
+/// A random (version 4) UUID. QUuid::createUuid asks the system generator each time, which took
+/// 6 % of a load; the global generator is seeded from it once and as random for a reference id.
+QUuid newRefId()
+{
+    QRandomGenerator *random = QRandomGenerator::global();
+    QUuid id;
+    id.data1 = random->generate();
+    const quint32 middle = random->generate();
+    id.data2 = ushort(middle >> 16);
+    id.data3 = ushort((middle & 0x0FFF) | 0x4000); // version 4
+    const quint64 tail = random->generate64();
+    for (int i = 0; i < 8; ++i)
+        id.data4[i] = uchar(tail >> (8 * i));
+    id.data4[0] = uchar((id.data4[0] & 0x3F) | 0x80); // the RFC 4122 variant
+    return id;
+}
+
 } // namespace
 
-COdictItem::COdictItem() : m_refId(QUuid::createUuid()) {}
+COdictItem::COdictItem() : m_refId(newRefId()) {}
 
-COdictItem::COdictItem(eObjectType_t kind, eItemType_t type) : m_type(type), m_refId(QUuid::createUuid())
+COdictItem::COdictItem(eObjectType_t kind, eItemType_t type) : m_type(type), m_refId(newRefId())
 {
     if (type == E_IT_SUBOBJECT || type == E_IT_OBJECT)
         m_object = createObject(kind);
 }
 
-COdictItem::COdictItem(const COdictObject &object) : m_type(E_IT_OBJECT), m_refId(QUuid::createUuid())
+COdictItem::COdictItem(const COdictObject &object) : m_type(E_IT_OBJECT), m_refId(newRefId())
 {
     setObject(object);
 }
 
-COdictItem::COdictItem(const COdictValueObject &object) : m_type(E_IT_OBJECT), m_refId(QUuid::createUuid())
+COdictItem::COdictItem(const COdictValueObject &object) : m_type(E_IT_OBJECT), m_refId(newRefId())
 {
     setObject(object);
 }
 
-COdictItem::COdictItem(const COdictEditorObject &object) : m_type(E_IT_OBJECT), m_refId(QUuid::createUuid())
+COdictItem::COdictItem(const COdictEditorObject &object) : m_type(E_IT_OBJECT), m_refId(newRefId())
 {
     setObject(object);
 }
 
-COdictItem::COdictItem(const COdictParameterObject &object) : m_type(E_IT_OBJECT), m_refId(QUuid::createUuid())
+COdictItem::COdictItem(const COdictParameterObject &object) : m_type(E_IT_OBJECT), m_refId(newRefId())
 {
     setObject(object);
 }

@@ -11,13 +11,12 @@
 #include "COdictXmlObject_p.h"
 #include "CMessageBoardHelper.h"
 #include "CSaveFile.h"
-#include "CXmlCheckedReader.h"
+#include "CXmlPullReader.h"
 #include "CXmlInputCheck.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QSaveFile>
-#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 #include <memory>
@@ -47,19 +46,17 @@ COdictNode *createNode(COdictObjectTree &tree, const COdictObject &object, eItem
     }
 }
 
-sText_t attribute(const CXmlCheckedReader &reader, const QString &name)
+sText_t attribute(const CXmlPullReader &reader, QLatin1String name)
 {
     sText_t t;
-    const QXmlStreamAttributes attributes = reader.attributes();
-    if (attributes.hasAttribute(name)) {
-        t.text = attributes.value(name).toString();
+    if (reader.attribute(name, &t.text)) {
         t.present = true;
         t.line = int(reader.lineNumber());
     }
     return t;
 }
 
-sText_t elementText(CXmlCheckedReader &reader)
+sText_t elementText(CXmlPullReader &reader)
 {
     sText_t t;
     t.line = int(reader.lineNumber());
@@ -70,7 +67,7 @@ sText_t elementText(CXmlCheckedReader &reader)
 
 /// Reads the entries of an "Enum", "BitSet" or "Param" element: each \a entryTag child with its
 /// \a keyAttribute and text.
-QList<sListEntry_t> readEntries(CXmlCheckedReader &reader, QLatin1String entryTag, const QString &keyAttribute)
+QList<sListEntry_t> readEntries(CXmlPullReader &reader, QLatin1String entryTag, QLatin1String keyAttribute)
 {
     QList<sListEntry_t> entries;
     while (reader.readNextStartElement()) {
@@ -86,7 +83,7 @@ QList<sListEntry_t> readEntries(CXmlCheckedReader &reader, QLatin1String entryTa
     return entries;
 }
 
-void readHistory(CXmlCheckedReader &reader, COdictHistory &history)
+void readHistory(CXmlPullReader &reader, COdictHistory &history)
 {
     while (reader.readNextStartElement()) {
         if (reader.name() == QLatin1String("Header"))
@@ -96,7 +93,7 @@ void readHistory(CXmlCheckedReader &reader, COdictHistory &history)
     }
 }
 
-void readDataStructures(CXmlCheckedReader &reader, COdictDataStructure &list, const Warn &warn)
+void readDataStructures(CXmlPullReader &reader, COdictDataStructure &list, const Warn &warn)
 {
     while (reader.readNextStartElement()) {
         if (reader.name() != QLatin1String("DataStructure")) {
@@ -104,13 +101,13 @@ void readDataStructures(CXmlCheckedReader &reader, COdictDataStructure &list, co
             continue;
         }
         COdictDataStructure::SDataStructure_t entry;
-        const sText_t id = attribute(reader, QStringLiteral("id"));
+        const sText_t id = attribute(reader, QLatin1String("id"));
         bool ok = false;
         entry.id = id.present ? CDomDoc::toI32(id.text, &ok) : 0;
         if (id.present && !ok)
             warn(CDomDoc::conversionError(id.text, QStringLiteral("DataStructure id"), id.line, QStringLiteral("I32")));
         while (reader.readNextStartElement()) {
-            const QStringRef tag = reader.name();
+            const QLatin1String tag = reader.name();
             if (tag == QLatin1String("Name")) {
                 entry.name = reader.readElementText();
             } else if (tag == QLatin1String("UiName")) {
@@ -119,9 +116,9 @@ void readDataStructures(CXmlCheckedReader &reader, COdictDataStructure &list, co
                 entry.description = reader.readElementText();
             } else if (tag == QLatin1String("Member")) {
                 COdictDataStructure::SDataStructureMember_t member;
-                member.cType = attribute(reader, QStringLiteral("type")).text;
-                member.name = attribute(reader, QStringLiteral("name")).text;
-                const sText_t source = attribute(reader, QStringLiteral("source"));
+                member.cType = attribute(reader, QLatin1String("type")).text;
+                member.name = attribute(reader, QLatin1String("name")).text;
+                const sText_t source = attribute(reader, QLatin1String("source"));
                 bool known = true;
                 member.source = source.present ? COdictDataStructure::strToSource(source.text, &known)
                                                : COdictDataStructure::E_MS_LITERAL;
@@ -249,14 +246,16 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
         return E_OPEN_NOT_READABLE;
     // The reader checks every token against the limits (depth, sizes, entities) as it reads, so
     // the walk below meets only what it can read in bounded time and memory.
-    CXmlCheckedReader reader(&file, fileName, CXmlInputCheck::E_PARSER_STREAM);
+    CXmlPullReader reader(&file, fileName, CXmlInputCheck::E_PARSER_STREAM);
     if (!reader.readNextStartElement()) {
         m_error = reader.hasError() ? reader.errorText()
                                     : CXmlInputCheck::openError(fileName, QStringLiteral("no document element"));
         return E_OPEN_NOT_WELLFORMED;
     }
     QString headError;
-    const int head = checkDocumentElement(reader.stream(), documentType, formatVersion, &headError);
+    QString foundVersion;
+    reader.attribute(QLatin1String("version"), &foundVersion);
+    const int head = checkDocumentElement(reader.nameString(), foundVersion, documentType, formatVersion, &headError);
     if (head != E_OPEN_OK) {
         m_error = CXmlInputCheck::readError(fileName, 0, 0, headError);
         return head;
@@ -321,8 +320,8 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     // in it (or the element itself) is reported as dropped.
     auto skipElement = [&]() {
         int depth = 0;
-        for (QXmlStreamReader::TokenType token = reader.stream().tokenType();; token = reader.readNext()) {
-            if (token == QXmlStreamReader::StartElement) {
+        for (CXmlPullReader::eToken_t token = reader.tokenType();; token = reader.readNext()) {
+            if (token == CXmlPullReader::E_TOKEN_START) {
                 ++depth;
                 if (reader.name() != QLatin1String("Object"))
                     continue;
@@ -331,16 +330,16 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
                     const quint32 value = t.present ? CDomDoc::toU32(t.text, &ok) : 0u;
                     return ok ? value : 0xFFFFFFFFu;
                 };
-                const COdictObjectId key(number(attribute(reader, QStringLiteral("id"))),
-                                         number(attribute(reader, QStringLiteral("subid"))));
+                const COdictObjectId key(number(attribute(reader, QLatin1String("id"))),
+                                         number(attribute(reader, QLatin1String("subid"))));
                 const int line = int(reader.lineNumber());
                 const QString text = QCoreApplication::translate("Odict", "<Object> (line %1) lies below a sub-object or below an object that was not loaded; it is skipped.").arg(line);
                 warn(text);
                 tree.addDroppedRecord(COdictDroppedRecord(COdictDroppedRecord::E_DR_UNREAD_SUBOBJECT, line, key, QString(), text));
-            } else if (token == QXmlStreamReader::EndElement) {
+            } else if (token == CXmlPullReader::E_TOKEN_END) {
                 if (--depth == 0)
                     return;
-            } else if (token == QXmlStreamReader::Invalid || token == QXmlStreamReader::EndDocument) {
+            } else if (token == CXmlPullReader::E_TOKEN_DONE) {
                 return;
             }
         }
@@ -348,10 +347,10 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
 
     int tokens = 0;
     while (!reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
+        const CXmlPullReader::eToken_t token = reader.readNext();
         if ((++tokens & 0xFFF) == 0)
-            meter.update(file.pos());
-        if (token == QXmlStreamReader::EndElement) {
+            meter.update(reader.bytesRead());
+        if (token == CXmlPullReader::E_TOKEN_END) {
             if (stack.size() == 1)
                 break; // the document element ends
             sFrame_t &frame = stack.back();
@@ -360,10 +359,10 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             stack.pop_back();
             continue;
         }
-        if (token != QXmlStreamReader::StartElement)
+        if (token != CXmlPullReader::E_TOKEN_START)
             continue;
 
-        const QStringRef tag = reader.name();
+        const QLatin1String tag = reader.name();
         sFrame_t &top = stack.back();
         if (top.kind == E_OBJECT) {
             if (tag == QLatin1String("SubObjects")) {
@@ -383,12 +382,12 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             sObjectRecord_t &record = *top.record;
             if (tag == QLatin1String("Enum")) {
                 record.hasEnum = true;
-                record.enumItems += readEntries(reader, QLatin1String("Item"), QStringLiteral("value"));
+                record.enumItems += readEntries(reader, QLatin1String("Item"), QLatin1String("value"));
             } else if (tag == QLatin1String("BitSet")) {
                 record.hasBitSet = true;
-                record.bits += readEntries(reader, QLatin1String("Bit"), QStringLiteral("pos"));
+                record.bits += readEntries(reader, QLatin1String("Bit"), QLatin1String("pos"));
             } else if (tag == QLatin1String("Param")) {
-                record.params += readEntries(reader, QLatin1String("Value"), QStringLiteral("id"));
+                record.params += readEntries(reader, QLatin1String("Value"), QLatin1String("id"));
             } else if (const int f = fieldOf(tag); f >= 0) {
                 record.fields[f] = elementText(reader);
             } else {
@@ -407,9 +406,9 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
         } else if (tag == QLatin1String("Object")) {
             auto record = std::make_unique<sObjectRecord_t>();
             record->line = int(reader.lineNumber());
-            record->id = attribute(reader, QStringLiteral("id"));
-            record->subId = attribute(reader, QStringLiteral("subid"));
-            record->version = attribute(reader, QStringLiteral("version"));
+            record->id = attribute(reader, QLatin1String("id"));
+            record->subId = attribute(reader, QLatin1String("subid"));
+            record->version = attribute(reader, QLatin1String("version"));
             COdictNode *parent = top.node;
             stack.push_back({E_OBJECT, parent, std::move(record)});
         } else if (top.kind == E_GROUP && tag == QLatin1String("Name")) {

@@ -14,7 +14,7 @@ class QDomElement;
 
 /// Reads and writes dictionary documents ("KiroObjectDictionary", "KiroParameterSets").
 ///
-/// Reading streams the file (QXmlStreamReader) and builds the tree as it goes, so memory stays
+/// Reading streams the file (expat, through CXmlPullReader) and builds the tree as it goes, so memory stays
 /// flat for large dictionaries; the tree is walked iteratively, so nesting depth is not limited
 /// by the stack. Unreadable fields are reported as warnings and take their defaults. Writing
 /// streams as well (QXmlStreamWriter) and goes through QSaveFile, so a failed save leaves the

@@ -14,6 +14,9 @@
 #include <QVector>
 #include <QXmlStreamWriter>
 
+#include <array>
+#include <cstring>
+
 using namespace NkrOdict;
 
 namespace NOdictXml {
@@ -48,6 +51,26 @@ int fieldOf(QStringView tag)
         return hash;
     }();
     return index.value(tag, -1);
+}
+
+int fieldOf(QLatin1String tag)
+{
+    // Length and first letter tell nearly every tag apart, so most lookups compare one name.
+    static const std::array<int, F_COUNT> sizes = [] {
+        std::array<int, F_COUNT> list{};
+        for (int f = 0; f < F_COUNT; ++f)
+            list[size_t(f)] = int(std::strlen(fieldTags[f]));
+        return list;
+    }();
+    const int size = tag.size();
+    if (size == 0)
+        return -1;
+    const char first = tag.data()[0];
+    for (int f = 0; f < F_COUNT; ++f) {
+        if (sizes[size_t(f)] == size && fieldTags[f][0] == first && std::memcmp(fieldTags[f], tag.data(), size_t(size)) == 0)
+            return f;
+    }
+    return -1;
 }
 
 QString translated(const QString &text)

@@ -38,6 +38,8 @@ enum eField_t {
 
 /// The field of an "Object" sub-element tag; -1 for other tags.
 int fieldOf(QStringView tag);
+/// The same for a tag of UTF-8 bytes, as the pull reader gives it.
+int fieldOf(QLatin1String tag);
 
 struct sText_t {
     QString text;

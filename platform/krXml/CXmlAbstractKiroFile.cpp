@@ -5,6 +5,7 @@
 #include "CStr.h"
 #include "CXmlCheckedReader.h"
 #include "CXmlInputCheck.h"
+#include "CXmlPullReader.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -331,6 +332,19 @@ CXMLMetaData CXmlAbstractKiroFile::readHeader(CXmlCheckedReader &reader)
     return meta;
 }
 
+CXMLMetaData CXmlAbstractKiroFile::readHeader(CXmlPullReader &reader)
+{
+    CXMLMetaData meta;
+    if (!reader.isStartElement())
+        return meta;
+    while (reader.readNextStartElement()) {
+        const QString name = reader.nameString();
+        const QString text = reader.elementText();
+        setMetaPart(meta, QStringRef(&name), text);
+    }
+    return meta;
+}
+
 void CXmlAbstractKiroFile::writeHeader(QXmlStreamWriter &writer, const CXMLMetaData &meta)
 {
     writer.writeStartElement(kHeader);
@@ -354,6 +368,14 @@ int CXmlAbstractKiroFile::checkDocumentElement(QXmlStreamReader &reader, const Q
                      type, version, errorText, [this](const QString &found, const QString &expected) {
                          return handleVersionError(found, expected);
                      });
+}
+
+int CXmlAbstractKiroFile::checkDocumentElement(const QString &tag, const QString &foundVersion, const QString &type,
+                                               const QString &version, QString *errorText)
+{
+    return checkRoot(tag, foundVersion, type, version, errorText, [this](const QString &found, const QString &expected) {
+        return handleVersionError(found, expected);
+    });
 }
 
 bool CXmlAbstractKiroFile::handleVersionError(const QString &found, const QString &expected)

@@ -7,6 +7,7 @@
 #include <QString>
 
 class CXmlCheckedReader;
+class CXmlPullReader;
 class ICLogfile;
 class QXmlStreamReader;
 class QXmlStreamWriter;
@@ -72,11 +73,16 @@ public:
     static CXMLMetaData readHeader(QXmlStreamReader &reader);
     /// The same for a reader that checks the limits of CXmlInputCheck.
     static CXMLMetaData readHeader(CXmlCheckedReader &reader);
+    /// The same for the expat pull reader.
+    static CXMLMetaData readHeader(CXmlPullReader &reader);
     /// Writes \a meta as a "Header" element.
     static void writeHeader(QXmlStreamWriter &writer, const CXMLMetaData &meta);
     /// Checks the document element the stream reader stands on (a StartElement) against type and
     /// version and calls handleVersionError on a version mismatch; answers an eOpenResult_t.
     int checkDocumentElement(QXmlStreamReader &reader, const QString &type, const QString &version, QString *errorText);
+    /// The same for a document element of tag \a tag whose "version" attribute is \a foundVersion.
+    int checkDocumentElement(const QString &tag, const QString &foundVersion, const QString &type,
+                             const QString &version, QString *errorText);
 
 protected:
     /// Called when the version differs from the expected one; true accepts the document.
