@@ -1,35 +1,10 @@
 #include "COdictObjectName.h"
+#include "COdictMergedKey_p.h"
 
 #include <QDataStream>
 #include <QDebug>
 #include <QHash>
 #include <QStringView>
-
-namespace {
-
-constexpr unsigned int noSubId = 0xFFFFFFFFu;
-// '_' and the at most 10 decimal digits of a 32-bit number.
-constexpr int maxSuffixLength = 11;
-
-// Writes the merged-key suffix of subId ("_" and its decimal digits) to buffer; answers its
-// length, 0 for no sub-id.
-int subIdSuffix(unsigned int subId, char16_t *buffer)
-{
-    if (subId == noSubId)
-        return 0;
-    char16_t digits[maxSuffixLength - 1];
-    int count = 0;
-    do {
-        digits[count++] = char16_t(u'0' + subId % 10);
-        subId /= 10;
-    } while (subId != 0);
-    buffer[0] = u'_';
-    for (int i = 0; i < count; ++i)
-        buffer[1 + i] = digits[count - 1 - i];
-    return count + 1;
-}
-
-} // namespace
 
 QString COdictObjectName::mergedName() const
 {
@@ -48,10 +23,10 @@ int COdictObjectName::compare(const COdictObjectName &other) const
     if (const int result = a.left(common).compare(b.left(common)))
         return result;
 
-    char16_t suffixA[maxSuffixLength];
-    char16_t suffixB[maxSuffixLength];
-    const int suffixLengthA = subIdSuffix(m_subId, suffixA);
-    const int suffixLengthB = subIdSuffix(other.m_subId, suffixB);
+    char16_t suffixA[kMergedSuffixMax];
+    char16_t suffixB[kMergedSuffixMax];
+    const int suffixLengthA = mergedKeySuffix(m_subId, suffixA);
+    const int suffixLengthB = mergedKeySuffix(other.m_subId, suffixB);
     const QStringView tailA = a.mid(common);
     const QStringView tailB = b.mid(common);
     const auto at = [](QStringView tail, const char16_t *suffix, qsizetype i) -> char16_t {
@@ -60,7 +35,7 @@ int COdictObjectName::compare(const COdictObjectName &other) const
 
     const qsizetype restA = tailA.size() + suffixLengthA;
     const qsizetype restB = tailB.size() + suffixLengthB;
-    const qsizetype restCommon = qMin(restA, restB); // at most maxSuffixLength
+    const qsizetype restCommon = qMin(restA, restB); // at most kMergedSuffixMax
     for (qsizetype i = 0; i < restCommon; ++i) {
         const char16_t ca = at(tailA, suffixA, i);
         const char16_t cb = at(tailB, suffixB, i);

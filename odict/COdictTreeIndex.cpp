@@ -1,4 +1,5 @@
 #include "COdictTreeIndex_p.h"
+#include "COdictMergedKey_p.h"
 
 #include <QtEndian>
 
@@ -6,26 +7,8 @@
 
 namespace {
 
-constexpr unsigned int noSubId = 0xFFFFFFFFu;
 constexpr size_t minCapacity = 16;
 
-// Writes the merged-key suffix of subId ("_" and its decimal digits) to buffer; answers its
-// length, 0 for no sub-id.
-int subIdSuffix(unsigned int subId, char16_t *buffer)
-{
-    if (subId == noSubId)
-        return 0;
-    char16_t digits[10];
-    int count = 0;
-    do {
-        digits[count++] = char16_t(u'0' + subId % 10);
-        subId /= 10;
-    } while (subId != 0);
-    buffer[0] = u'_';
-    for (int i = 0; i < count; ++i)
-        buffer[1 + i] = digits[count - 1 - i];
-    return count + 1;
-}
 
 // The smallest power of two that holds count entries at most three quarters full.
 size_t capacityFor(size_t count)
@@ -189,8 +172,8 @@ quint32 COdictNameIndex::mergedHash(QStringView name, unsigned int subId)
 {
     CMergedKeyHasher hasher;
     hasher.add(reinterpret_cast<const char16_t *>(name.utf16()), name.size());
-    char16_t suffix[11];
-    hasher.add(suffix, subIdSuffix(subId, suffix));
+    char16_t suffix[kMergedSuffixMax];
+    hasher.add(suffix, mergedKeySuffix(subId, suffix));
     return hasher.finish();
 }
 
@@ -199,10 +182,10 @@ bool COdictNameIndex::sameMergedKey(QStringView a, unsigned int subA, QStringVie
     if (subA == subB)
         return a == b;
     // Different sub-ids can still give one key: ("Speed_1", none) and ("Speed", 1).
-    char16_t suffixA[11];
-    char16_t suffixB[11];
-    const qsizetype lengthA = a.size() + subIdSuffix(subA, suffixA);
-    const qsizetype lengthB = b.size() + subIdSuffix(subB, suffixB);
+    char16_t suffixA[kMergedSuffixMax];
+    char16_t suffixB[kMergedSuffixMax];
+    const qsizetype lengthA = a.size() + mergedKeySuffix(subA, suffixA);
+    const qsizetype lengthB = b.size() + mergedKeySuffix(subB, suffixB);
     if (lengthA != lengthB)
         return false;
     for (qsizetype i = 0; i < lengthA; ++i) {
