@@ -84,29 +84,19 @@ bool CXmlCheckedReader::readNextStartElement()
 
 void CXmlCheckedReader::skipCurrentElement()
 {
-    int depth = 1;
-    while (depth > 0) {
-        switch (readNext()) {
-        case QXmlStreamReader::StartElement:
-            ++depth;
-            break;
-        case QXmlStreamReader::EndElement:
-            --depth;
-            break;
-        case QXmlStreamReader::Invalid:
-        case QXmlStreamReader::EndDocument:
-            return;
-        default:
-            break;
-        }
-    }
+    readToEndOfElement(nullptr);
 }
 
 QString CXmlCheckedReader::elementText()
 {
     QString result;
-    if (!isStartElement())
-        return result;
+    if (isStartElement())
+        readToEndOfElement(&result);
+    return result;
+}
+
+void CXmlCheckedReader::readToEndOfElement(QString *text)
+{
     int depth = 1;
     while (depth > 0) {
         switch (readNext()) {
@@ -118,16 +108,16 @@ QString CXmlCheckedReader::elementText()
             break;
         case QXmlStreamReader::Characters:
         case QXmlStreamReader::EntityReference:
-            result += m_reader.text();
+            if (text)
+                *text += m_reader.text();
             break;
         case QXmlStreamReader::Invalid:
         case QXmlStreamReader::EndDocument:
-            return result;
+            return;
         default:
             break;
         }
     }
-    return result;
 }
 
 QString CXmlCheckedReader::readElementText()

@@ -49,6 +49,8 @@ public:
     QString errorText() const;
 
 private:
+    // Reads past the end of the element the reader stands in, adding its texts to text when set.
+    void readToEndOfElement(QString *text);
     /// Empty when the current token is within the limits, else the reason.
     QString checkToken();
 
