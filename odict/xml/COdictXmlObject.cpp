@@ -312,13 +312,18 @@ QString hex(quint32 value)
     return QStringLiteral("0x%1").arg(value, 0, 16);
 }
 
-QString valueText(const CVariant &x, const CVariant &y)
+QString valueText(const CVariant &x, const CVariant &y, NTypes::eTypes_t type)
 {
+    // Each part is written so that the reader gives back the same value, nulls and their types
+    // included: the reader takes an empty text for a null of the object's type, a blank part for a
+    // null of the part's type (and keeps a null X before a Y from being taken for the Y), and no
+    // second part for a Y that was never set, a null of no type.
+    const bool yGiven = !y.isNull() || y.type() != NTypes::E_UNKNOWN;
     QString text = x.toStr();
-    // A null X before a Y is written as a blank: the reader drops empty parts and would take the
-    // Y for the X, while a blank part reads back as a null X without a warning.
-    if (!y.isNull())
-        text += (text.isEmpty() ? QStringLiteral(" ;") : QStringLiteral(";")) + y.toStr();
+    if (text.isEmpty() && x.isNull() && (yGiven || x.type() != type))
+        text = QStringLiteral(" ");
+    if (yGiven)
+        text += QLatin1Char(';') + (y.isNull() ? QStringLiteral(" ") : y.toStr());
     return text;
 }
 
@@ -344,9 +349,9 @@ void writeFields(W &w, const COdictObject &o)
     w.text("UserLevelRead", QString::number(o.userlevelRead()));
     w.text("UserLevelVisible", QString::number(o.userlevelVisible()));
     w.text("UserLevelWrite", QString::number(o.userlevelWrite()));
-    w.text("MinVal", valueText(o.xMinValue(), o.yMinValue()));
-    w.text("MaxVal", valueText(o.xMaxValue(), o.yMaxValue()));
-    w.text("DefVal", valueText(o.xDefaultValue(), o.yDefaultValue()));
+    w.text("MinVal", valueText(o.xMinValue(), o.yMinValue(), o.dataType()));
+    w.text("MaxVal", valueText(o.xMaxValue(), o.yMaxValue(), o.dataType()));
+    w.text("DefVal", valueText(o.xDefaultValue(), o.yDefaultValue(), o.dataType()));
     if (o.hasEnum()) {
         w.start("Enum");
         for (const auto &entry : o.enumDataPtr()->enums())
