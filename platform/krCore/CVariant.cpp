@@ -936,7 +936,8 @@ QDataStream &operator>>(QDataStream &in, CVariant &value)
     if (sane && stored.userType() == storedMetaType(t, count)) {
         if (count > 1) {
             const QByteArray bytes = stored.toByteArray();
-            if (bytes.size() == count * CDataTypeParser::typeSize(t))
+            // In 64 bits: a hostile count must not overflow the expected size.
+            if (qint64(bytes.size()) == qint64(count) * CDataTypeParser::typeSize(t))
                 candidate = CVariant(bytes, t, count);
         } else {
             // Goes through the checks of fromVariant: ranges, XY length, empty texts.
