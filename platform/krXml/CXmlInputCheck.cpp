@@ -64,7 +64,7 @@ bool CXmlInputCheck::openForReading(QFile &file, const QString &fileName, QStrin
         reason = tooLarge();
     if (reason.isEmpty())
         ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
-    if (!reason.isEmpty() || !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+    if (!reason.isEmpty() || !file.open(fd, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
         if (reason.isEmpty())
             reason = file.errorString();
         ::close(fd);

@@ -66,10 +66,10 @@ qint64 CXmlPullReaderPrivate::utf16Size(const char *data, size_t size)
 
 void CXmlPullReaderPrivate::fail(const QString &reason, qint64 line, qint64 column)
 {
-    if (failed)
+    if (pending || failed)
         return;
-    failed = true;
-    done = true;
+    pending = true;
+    parserStopped = true;
     errorReason = reason;
     errorLine = line;
     errorColumn = column;
@@ -81,94 +81,151 @@ void CXmlPullReaderPrivate::failHere(const QString &reason)
     fail(reason, qint64(XML_GetCurrentLineNumber(parser)), qint64(XML_GetCurrentColumnNumber(parser)));
 }
 
+void CXmlPullReaderPrivate::showError()
+{
+    failed = true;
+    done = true;
+    tags.clear();
+    index = size_t(-1);
+}
+
+CXmlPullReaderPrivate::sSpan_t CXmlPullReaderPrivate::store(const char *data, size_t size)
+{
+    const sSpan_t span{bytes.size(), size};
+    bytes.append(data, size);
+    return span;
+}
+
 void CXmlPullReaderPrivate::addText(const char *data, int size)
 {
-    text.append(data, size_t(size));
+    bytes.append(data, size_t(size));
     // UTF-8 never takes fewer bytes than UTF-16 units, so short texts need no counting.
-    if (textUnits < 0 && qint64(text.size()) <= CXmlInputCheck::maxTextSize)
+    const size_t gatheredSize = bytes.size() - textStart;
+    if (textUnits < 0 && qint64(gatheredSize) <= CXmlInputCheck::maxTextSize)
         return;
-    textUnits = textUnits < 0 ? utf16Size(text.data(), text.size()) : textUnits + utf16Size(data, size_t(size));
+    textUnits = textUnits < 0 ? utf16Size(bytes.data() + textStart, gatheredSize) : textUnits + utf16Size(data, size_t(size));
     if (textUnits > CXmlInputCheck::maxTextSize)
         failHere(tooLong("text", CXmlInputCheck::maxTextSize));
 }
 
-CXmlPullReaderPrivate::sTag_t &CXmlPullReaderPrivate::queue(CXmlPullReader::eToken_t token, const char *name)
+CXmlPullReaderPrivate::sTag_t &CXmlPullReaderPrivate::queue(CXmlPullReader::eToken_t token, const char *name,
+                                                            qint64 line, qint64 column)
 {
-    sTag_t &tag = tags[tagCount++];
+    tags.emplace_back();
+    sTag_t &tag = tags.back();
     tag.token = token;
-    tag.name.assign(localName(name));
-    tag.attributeCount = 0;
-    if (token == CXmlPullReader::E_TOKEN_END)
-        tag.line = qint64(XML_GetCurrentLineNumber(parser)); // a start tag's line is counted by onStart
-    if (!suspended) {
-        suspended = true;
-        XML_StopParser(parser, XML_TRUE);
-    }
+    tag.depth = depth;
+    tag.text = sSpan_t{textStart, bytes.size() - textStart};
+    const char *local = localName(name);
+    tag.name = store(local, std::strlen(local));
+    tag.line = line;
+    tag.column = column;
+    textStart = bytes.size();
+    textUnits = -1;
     return tag;
+}
+
+/// The place after the token expat reports, where QXmlStreamReader reports a tag: expat gives
+/// its start. Columns count UTF-16 units, as Qt counts them.
+static void endOfToken(XML_Parser parser, qint64 *line, qint64 *column)
+{
+    *line = qint64(XML_GetCurrentLineNumber(parser));
+    *column = qint64(XML_GetCurrentColumnNumber(parser));
+    int offset = 0;
+    int size = 0;
+    const char *buffer = XML_GetInputContext(parser, &offset, &size);
+    const int count = XML_GetCurrentByteCount(parser);
+    if (!buffer || count <= 0 || offset + count > size)
+        return;
+    const char *token = buffer + offset;
+    // Nearly every tag stands on one line: then only the characters count (one pass without
+    // branches over the tag's bytes).
+    bool lineBreak = false;
+    qint64 units = 0;
+    for (int i = 0; i < count; ++i) {
+        const unsigned char byte = static_cast<unsigned char>(token[i]);
+        lineBreak |= byte == '\n' || byte == '\r';
+        units += ((byte & 0xC0) != 0x80) + (byte >= 0xF0);
+    }
+    if (!lineBreak) {
+        *column += units;
+        return;
+    }
+    for (const char *p = token, *end = p + count; p < end; ++p) {
+        const unsigned char byte = static_cast<unsigned char>(*p);
+        if (byte == '\n' || (byte == '\r' && (p + 1 == end || p[1] != '\n'))) {
+            ++*line;
+            *column = 0;
+        } else {
+            *column += ((byte & 0xC0) != 0x80) + (byte >= 0xF0);
+        }
+    }
 }
 
 void XMLCALL CXmlPullReaderPrivate::onStart(void *data, const XML_Char *name, const XML_Char **attributes)
 {
     auto *d = static_cast<CXmlPullReaderPrivate *>(data);
-    if (d->failed)
+    if (d->parserStopped)
         return;
-    // The place after the tag, where QXmlStreamReader reports it: expat gives its start.
-    qint64 line = qint64(XML_GetCurrentLineNumber(d->parser));
-    qint64 column = qint64(XML_GetCurrentColumnNumber(d->parser));
-    int offset = 0;
-    int size = 0;
-    if (const char *buffer = XML_GetInputContext(d->parser, &offset, &size)) {
-        const int count = XML_GetCurrentByteCount(d->parser);
-        if (count > 0 && offset + count <= size) {
-            for (const char *p = buffer + offset, *end = p + count; p < end; ++p) {
-                const unsigned char byte = static_cast<unsigned char>(*p);
-                if (byte == '\n' || (byte == '\r' && (p + 1 == end || p[1] != '\n'))) {
-                    ++line;
-                    column = 0;
-                } else {
-                    column += ((byte & 0xC0) != 0x80) + (byte >= 0xF0); // in UTF-16 units, as Qt counts
-                }
-            }
-        }
-    }
+    qint64 line = 0;
+    qint64 column = 0;
+    endOfToken(d->parser, &line, &column);
     if (++d->depth > d->depthLimit) {
         d->fail(QStringLiteral("elements nested deeper than the limit of %1 levels").arg(d->depthLimit), line, column);
         return;
     }
-    // The attributes go into the next free slot first, so that each value is measured once.
-    sTag_t &next = d->tags[d->tagCount];
-    size_t count = 0;
-    for (const XML_Char **a = attributes; *a; a += 2, count += 2) {
-        if (next.attributes.size() < count + 2)
-            next.attributes.resize(count + 2);
-        next.attributes[count].assign(a[0]); // a prefixed name keeps its namespace and matches no plain name
-        const std::string &value = next.attributes[count + 1].assign(a[1]);
-        if (qint64(value.size()) > CXmlInputCheck::maxAttributeSize
-            && utf16Size(value.data(), value.size()) > CXmlInputCheck::maxAttributeSize) {
+    sTag_t &tag = d->queue(CXmlPullReader::E_TOKEN_START, name, line, column);
+    tag.attributes = d->attributes.size();
+    for (const XML_Char **a = attributes; *a; a += 2) {
+        sAttribute_t attribute;
+        attribute.name = d->store(a[0], std::strlen(a[0]));
+        attribute.value = d->store(a[1], std::strlen(a[1]));
+        if (qint64(attribute.value.size) > CXmlInputCheck::maxAttributeSize
+            && utf16Size(a[1], attribute.value.size) > CXmlInputCheck::maxAttributeSize) {
+            // The tag is taken back: the reader stops before it, with the text before it.
+            const sSpan_t text = tag.text;
+            d->attributes.resize(tag.attributes);
+            d->tags.pop_back();
+            d->bytes.resize(text.offset + text.size);
+            d->textStart = text.offset;
             d->fail(QStringLiteral("attribute '%1' longer than the limit of %2 characters")
                         .arg(QString::fromUtf8(localName(a[0]))).arg(CXmlInputCheck::maxAttributeSize),
                     line, column);
             return;
         }
+        d->attributes.push_back(attribute);
     }
-    sTag_t &tag = d->queue(CXmlPullReader::E_TOKEN_START, name);
-    tag.line = line;
-    tag.attributeCount = int(count / 2);
+    tag.attributeCount = d->attributes.size() - tag.attributes;
+    d->textStart = d->bytes.size();
 }
 
 void XMLCALL CXmlPullReaderPrivate::onEnd(void *data, const XML_Char *name)
 {
     auto *d = static_cast<CXmlPullReaderPrivate *>(data);
-    if (d->failed)
+    if (d->parserStopped)
         return;
     --d->depth;
-    d->queue(CXmlPullReader::E_TOKEN_END, name);
+    // An end tag counts from the line it starts on, as the reader always has.
+    qint64 line = qint64(XML_GetCurrentLineNumber(d->parser));
+    qint64 column = 0;
+    if (XML_GetCurrentByteCount(d->parser) > 0 || d->tags.empty() || d->tags.back().token != CXmlPullReader::E_TOKEN_START) {
+        qint64 after = 0;
+        endOfToken(d->parser, &after, &column);
+    } else {
+        column = d->tags.back().column; // the end of an empty element tag: the same token as its start
+    }
+    d->queue(CXmlPullReader::E_TOKEN_END, name, line, column);
+    if (d->depth == 0) {
+        // What follows the document element is not read: expat pauses here for good.
+        d->rootEnded = true;
+        XML_StopParser(d->parser, XML_TRUE);
+    }
 }
 
 void XMLCALL CXmlPullReaderPrivate::onText(void *data, const XML_Char *text, int size)
 {
     auto *d = static_cast<CXmlPullReaderPrivate *>(data);
-    if (!d->failed)
+    if (!d->parserStopped)
         d->addText(text, size);
 }
 
@@ -176,7 +233,7 @@ void XMLCALL CXmlPullReaderPrivate::onComment(void *data, const XML_Char *text)
 {
     auto *d = static_cast<CXmlPullReaderPrivate *>(data);
     const size_t bytes = std::strlen(text);
-    if (!d->failed && qint64(bytes) > CXmlInputCheck::maxTextSize && utf16Size(text, bytes) > CXmlInputCheck::maxTextSize)
+    if (!d->parserStopped && qint64(bytes) > CXmlInputCheck::maxTextSize && utf16Size(text, bytes) > CXmlInputCheck::maxTextSize)
         d->failHere(tooLong("text", CXmlInputCheck::maxTextSize));
 }
 
@@ -215,42 +272,38 @@ int XMLCALL CXmlPullReaderPrivate::onUnknownEncoding(void *, const XML_Char *nam
 
 bool CXmlPullReaderPrivate::parseMore()
 {
-    while (!done && tagCount == 0) {
-        XML_Status status;
-        if (suspended) {
-            suspended = false;
-            status = XML_ResumeParser(parser);
-        } else if (finalFed) {
-            done = true; // expat finished without an error: the document element has ended
-            return false;
-        } else {
-            void *buffer = XML_GetBuffer(parser, chunkSize);
-            if (!buffer) {
-                failHere(QStringLiteral("out of memory"));
-                return false;
-            }
-            const qint64 read = device->read(static_cast<char *>(buffer), chunkSize);
-            if (read < 0) {
-                failHere(device->errorString());
-                return false;
-            }
-            fed += read;
-            if (fed > CXmlInputCheck::maxInputSize) {
-                failHere(QStringLiteral("larger than the limit of %1 bytes").arg(CXmlInputCheck::maxInputSize)); // grew after opening
-                return false;
-            }
-            finalFed = read == 0;
-            status = XML_ParseBuffer(parser, int(read), finalFed);
+    // The queue has been handed out: only the character data after its last tag is kept.
+    tags.clear();
+    attributes.clear();
+    bytes.erase(0, textStart);
+    textStart = 0;
+    index = size_t(-1);
+    while (tags.empty() && !parserStopped && !rootEnded && !finalFed) {
+        void *buffer = XML_GetBuffer(parser, chunkSize);
+        if (!buffer) {
+            failHere(QStringLiteral("out of memory"));
+            break;
         }
-        if (status == XML_STATUS_ERROR && !failed) {
-            failed = true;
-            done = true;
+        const qint64 read = device->read(static_cast<char *>(buffer), chunkSize);
+        if (read < 0) {
+            failHere(device->errorString());
+            break;
+        }
+        fed += read;
+        if (fed > CXmlInputCheck::maxInputSize) {
+            failHere(QStringLiteral("larger than the limit of %1 bytes").arg(CXmlInputCheck::maxInputSize)); // grew after opening
+            break;
+        }
+        finalFed = read == 0;
+        if (XML_ParseBuffer(parser, int(read), finalFed) == XML_STATUS_ERROR && !pending) {
+            pending = true;
+            parserStopped = true;
             errorReason = QString::fromUtf8(XML_ErrorString(XML_GetErrorCode(parser)));
             errorLine = qint64(XML_GetErrorLineNumber(parser));
             errorColumn = qint64(XML_GetErrorColumnNumber(parser));
         }
     }
-    return tagCount > 0;
+    return !tags.empty();
 }
 
 CXmlPullReader::CXmlPullReader(QIODevice *device, const QString &fileName, CXmlInputCheck::eParser_t parser)
@@ -262,33 +315,34 @@ CXmlPullReader::~CXmlPullReader() = default;
 
 CXmlPullReader::eToken_t CXmlPullReader::readNext()
 {
-    if (d->done && d->failed)
+    if (d->done)
         return E_TOKEN_DONE;
-    if (d->tagIndex >= 0 && d->tags[d->tagIndex].token == E_TOKEN_END && d->depth == 0 && d->tagIndex + 1 >= d->tagCount) {
+    const CXmlPullReaderPrivate::sTag_t *tag = d->current();
+    if (tag && tag->token == E_TOKEN_END && tag->depth == 0) {
         d->done = true; // the document element has ended; what follows it is not read
-        d->tagIndex = -1;
-        d->tagCount = 0;
+        d->index = size_t(-1);
         return E_TOKEN_DONE;
     }
-    d->text.clear();
-    d->textUnits = -1;
-    if (d->tagIndex + 1 < d->tagCount) {
-        ++d->tagIndex; // the end of an empty element tag: no text before it
-        return d->tags[d->tagIndex].token;
+    if (d->index + 1 < d->tags.size()) { // the index starts beyond the queue, at size_t(-1)
+        ++d->index;
+        return d->tags[d->index].token;
     }
-    d->tagCount = 0;
-    d->tagIndex = -1;
-    if (!d->parseMore())
+    if (!d->parseMore()) {
+        if (d->pending)
+            d->showError();
+        d->done = true;
         return E_TOKEN_DONE;
-    d->tagIndex = 0;
+    }
+    d->index = 0;
     return d->tags[0].token;
 }
 
 CXmlPullReader::eToken_t CXmlPullReader::tokenType() const
 {
-    if (d->done && (d->failed || d->tagIndex < 0))
+    if (d->done)
         return E_TOKEN_DONE;
-    return d->tagIndex >= 0 ? d->tags[d->tagIndex].token : E_TOKEN_NONE;
+    const CXmlPullReaderPrivate::sTag_t *tag = d->current();
+    return tag ? tag->token : E_TOKEN_NONE;
 }
 
 bool CXmlPullReader::readNextStartElement()
@@ -333,7 +387,8 @@ QString CXmlPullReader::elementText()
     int depth = 1;
     while (depth > 0) {
         const eToken_t token = readNext();
-        d->gathered += d->text;
+        const CXmlPullReaderPrivate::sSpan_t text = d->textBefore();
+        d->gathered.append(d->at(text), text.size);
         if (token == E_TOKEN_START)
             ++depth;
         else if (token == E_TOKEN_END)
@@ -357,15 +412,14 @@ QString CXmlPullReader::readElementText()
     default:
         return QString();
     }
-    return d->text.empty() ? QString() : QString::fromUtf8(d->text.data(), int(d->text.size()));
+    const CXmlPullReaderPrivate::sSpan_t text = d->textBefore();
+    return text.size == 0 ? QString() : QString::fromUtf8(d->at(text), int(text.size));
 }
 
 QLatin1String CXmlPullReader::name() const
 {
-    if (d->tagIndex < 0)
-        return QLatin1String();
-    const std::string &name = d->tags[d->tagIndex].name;
-    return QLatin1String(name.data(), int(name.size()));
+    const CXmlPullReaderPrivate::sTag_t *tag = d->current();
+    return tag ? QLatin1String(d->at(tag->name), int(tag->name.size)) : QLatin1String();
 }
 
 QString CXmlPullReader::nameString() const
@@ -376,15 +430,14 @@ QString CXmlPullReader::nameString() const
 
 bool CXmlPullReader::attribute(QLatin1String name, QString *value) const
 {
-    if (d->tagIndex < 0)
+    const CXmlPullReaderPrivate::sTag_t *tag = d->current();
+    if (!tag)
         return false;
-    const CXmlPullReaderPrivate::sTag_t &tag = d->tags[d->tagIndex];
-    for (int i = 0; i < tag.attributeCount; ++i) {
-        const std::string &key = tag.attributes[size_t(2 * i)];
-        if (key.size() == size_t(name.size()) && std::memcmp(key.data(), name.data(), key.size()) == 0) {
-            const std::string &text = tag.attributes[size_t(2 * i + 1)];
+    for (size_t i = tag->attributes, end = i + tag->attributeCount; i < end; ++i) {
+        const CXmlPullReaderPrivate::sAttribute_t &attribute = d->attributes[i];
+        if (attribute.name.size == size_t(name.size()) && std::memcmp(d->at(attribute.name), name.data(), attribute.name.size) == 0) {
             if (value)
-                *value = QString::fromUtf8(text.data(), int(text.size()));
+                *value = QString::fromUtf8(d->at(attribute.value), int(attribute.value.size));
             return true;
         }
     }
@@ -393,8 +446,8 @@ bool CXmlPullReader::attribute(QLatin1String name, QString *value) const
 
 qint64 CXmlPullReader::lineNumber() const
 {
-    if (d->tagIndex >= 0)
-        return d->tags[d->tagIndex].line;
+    if (const CXmlPullReaderPrivate::sTag_t *tag = d->current())
+        return tag->line;
     return qint64(XML_GetCurrentLineNumber(d->parser));
 }
 
@@ -412,11 +465,13 @@ void CXmlPullReader::raiseError(const QString &reason)
 {
     if (d->failed)
         return;
-    d->failed = true;
-    d->done = true;
+    const CXmlPullReaderPrivate::sTag_t *tag = d->current();
     d->errorReason = reason;
     d->errorLine = lineNumber();
-    d->errorColumn = qint64(XML_GetCurrentColumnNumber(d->parser));
+    d->errorColumn = tag ? tag->column : qint64(XML_GetCurrentColumnNumber(d->parser));
+    d->parserStopped = true;
+    d->failed = true;
+    d->done = true; // the tag stays readable, as it does after QXmlStreamReader::raiseError()
 }
 
 QString CXmlPullReader::errorText() const
