@@ -252,6 +252,8 @@ private slots:
     void hugeNameLoads();
     void roundTrip_data();
     void roundTrip();
+    void missingFieldsAfterAFullObjectReadAsDefaults_data();
+    void missingFieldsAfterAFullObjectReadAsDefaults();
     void saveKeepsOldFileOnFailure_data();
     void saveKeepsOldFileOnFailure();
     void saveLeavesOutWhatCannotBeStored();
@@ -563,6 +565,71 @@ void tst_OdictXml::roundTrip()
             b.remove(b.indexOf("<Header>"), b.indexOf("</Header>") - b.indexOf("<Header>"));
     QVERIFY(!bytes[0].isEmpty());
     QCOMPARE(bytes[1], bytes[0]);
+}
+
+void tst_OdictXml::missingFieldsAfterAFullObjectReadAsDefaults_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("editor") << int(E_OT_EDITOR);
+    QTest::newRow("value") << int(E_OT_VALUE);
+    QTest::newRow("parameter") << int(E_OT_PARAMETER);
+    QTest::newRow("plain") << int(E_OT_STD);
+}
+
+// The reader refills the texts of one object's fields for the next: an object that lacks a field
+// must read exactly as it does alone, whatever the object before it held.
+void tst_OdictXml::missingFieldsAfterAFullObjectReadAsDefaults()
+{
+    QFETCH(int, kind);
+    const QByteArray full =
+        "<Object id=\"0x2000\" subid=\"7\" version=\"2.0.1\"><SubId>3</SubId><Name>full</Name><UiName>Full</UiName>"
+        "<UiShortName>F</UiShortName><RefId>{12345678-9abc-def0-1234-56789abcdef0}</RefId><Type>I32</Type>"
+        "<DataSize>4</DataSize><ObjectVersion>1.2.0</ObjectVersion><ObjectUsage>0x2</ObjectUsage>"
+        "<AccessRights>0xA</AccessRights><Unit>10</Unit><Y-Unit>11</Y-Unit><Digits>1</Digits><DS402Id>0x4000</DS402Id>"
+        "<ProfinetId>17</ProfinetId><UserLevelRead>2</UserLevelRead><UserLevelVisible>3</UserLevelVisible>"
+        "<UserLevelWrite>4</UserLevelWrite><MinVal>-5</MinVal><MaxVal>3000</MaxVal><DefVal>12</DefVal>"
+        "<ArrayLength>2</ArrayLength><ArrayIndex>1</ArrayIndex><Hexadecimal>true</Hexadecimal>"
+        "<DefString>D</DefString><FwVariable>g_v</FwVariable><FwFunction>f</FwFunction><AccessType>3</AccessType>"
+        "<ShortDescription>S</ShortDescription><Description>Long</Description><Error>5</Error>"
+        "<Param><Value id=\"1\">7</Value></Param></Object>\n";
+    const QByteArray bare = "<Object id=\"0x2100\"><Name>bare</Name></Object>\n";
+    const QString both = m_dir.filePath(QStringLiteral("reuse both %1.xml").arg(QTest::currentDataTag()));
+    const QString alone = m_dir.filePath(QStringLiteral("reuse alone %1.xml").arg(QTest::currentDataTag()));
+    const QByteArray root = kind == E_OT_PARAMETER ? "KiroParameterSets" : "KiroObjectDictionary";
+    const auto write = [&root](const QString &path, const QByteArray &objects) {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly)
+            && file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<" + root + " version=\"1.2.0\">\n"
+                          "<Header><Version>1.0.0</Version></Header>\n<Name>Reuse</Name>\n" + objects + "</" + root + ">\n") > 0;
+    };
+    QVERIFY(write(both, full + bare));
+    QVERIFY(write(alone, bare));
+
+    COdictEdit afterFull{eObjectType_t(kind)};
+    COdictEdit single{eObjectType_t(kind)};
+    QCOMPARE(afterFull.loadDictionary(both), 0);
+    QCOMPARE(single.loadDictionary(alone), 0);
+    const COdictObject *read = afterFull.objectPtr(COdictObjectId(0x2100u));
+    const COdictObject *expected = single.objectPtr(COdictObjectId(0x2100u));
+    QVERIFY(read && expected);
+    QCOMPARE(read->objectType(), expected->objectType());
+    switch (kind) {
+    case E_OT_EDITOR:
+        QVERIFY(*static_cast<const COdictEditorObject *>(read) == *static_cast<const COdictEditorObject *>(expected));
+        break;
+    case E_OT_VALUE:
+        QVERIFY(*static_cast<const COdictValueObject *>(read) == *static_cast<const COdictValueObject *>(expected));
+        break;
+    case E_OT_PARAMETER:
+        QVERIFY(*static_cast<const COdictParameterObject *>(read) == *static_cast<const COdictParameterObject *>(expected));
+        break;
+    default:
+        QVERIFY(*read == *expected);
+        break;
+    }
+    QCOMPARE(read->version().value, expected->version().value);
+    QCOMPARE(read->subId(), expected->subId());
+    QVERIFY(read->uiName().isNull() == expected->uiName().isNull());
 }
 
 void tst_OdictXml::saveKeepsOldFileOnFailure_data()

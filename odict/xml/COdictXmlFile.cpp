@@ -65,6 +65,25 @@ sText_t elementText(CXmlPullReader &reader)
     return t;
 }
 
+/// Reads attribute \a name into \a t, reusing the buffer of its text (valid while present).
+void readAttribute(const CXmlPullReader &reader, QLatin1String name, sText_t &t)
+{
+    t.present = reader.attribute(name, &t.text);
+    t.line = t.present ? int(reader.lineNumber()) : 0;
+}
+
+/// Reads the text of field \a f into \a t. A text the object keeps gets a buffer of its own
+/// and its exact size; one that is only parsed refills the buffer of the record's last object.
+void readField(CXmlPullReader &reader, int f, sText_t &t)
+{
+    t.line = int(reader.lineNumber());
+    if (keepsText(eField_t(f)))
+        t.text = reader.elementText();
+    else
+        reader.elementText(&t.text);
+    t.present = true;
+}
+
 /// Reads the entries of an "Enum", "BitSet" or "Param" element: each \a entryTag child with its
 /// \a keyAttribute and text.
 QList<sListEntry_t> readEntries(CXmlPullReader &reader, QLatin1String entryTag, QLatin1String keyAttribute)
@@ -281,12 +300,23 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
     };
     std::vector<sFrame_t> stack; // move-only frames
     stack.push_back({E_CONTAINER, dictionary.get(), nullptr});
+    // Records of registered objects, reused: their parsed fields keep their buffers.
+    std::vector<std::unique_ptr<sObjectRecord_t>> spareRecords;
 
     // Builds and registers the object of the frame; sub-objects join their owner's sub-id list.
     // An object that is not taken is recorded as dropped, and said so in the log.
     auto registerObject = [&](sFrame_t &frame) {
         frame.registered = true;
-        const std::unique_ptr<sObjectRecord_t> record = std::move(frame.record);
+        std::unique_ptr<sObjectRecord_t> record = std::move(frame.record);
+        struct sGiveBack_t {
+            std::vector<std::unique_ptr<sObjectRecord_t>> &spare;
+            std::unique_ptr<sObjectRecord_t> &record;
+            ~sGiveBack_t()
+            {
+                record->reset();
+                spare.push_back(std::move(record));
+            }
+        } giveBack{spareRecords, record};
         const int line = record->line;
         const bool idPresent = record->id.present;
         bool idRead = false;
@@ -389,7 +419,7 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             } else if (tag == QLatin1String("Param")) {
                 record.params += readEntries(reader, QLatin1String("Value"), QLatin1String("id"));
             } else if (const int f = fieldOf(tag); f >= 0) {
-                record.fields[f] = elementText(reader);
+                readField(reader, f, record.fields[f]);
             } else {
                 reader.skipCurrentElement();
             }
@@ -404,11 +434,17 @@ int COdictXmlFile::read(COdictObjectTree &tree, const QString &fileName, const Q
             top.node->appendChild(group);
             stack.push_back({E_GROUP, group, nullptr});
         } else if (tag == QLatin1String("Object")) {
-            auto record = std::make_unique<sObjectRecord_t>();
+            std::unique_ptr<sObjectRecord_t> record;
+            if (spareRecords.empty()) {
+                record = std::make_unique<sObjectRecord_t>();
+            } else {
+                record = std::move(spareRecords.back());
+                spareRecords.pop_back();
+            }
             record->line = int(reader.lineNumber());
-            record->id = attribute(reader, QLatin1String("id"));
-            record->subId = attribute(reader, QLatin1String("subid"));
-            record->version = attribute(reader, QLatin1String("version"));
+            readAttribute(reader, QLatin1String("id"), record->id);
+            readAttribute(reader, QLatin1String("subid"), record->subId);
+            readAttribute(reader, QLatin1String("version"), record->version);
             COdictNode *parent = top.node;
             stack.push_back({E_OBJECT, parent, std::move(record)});
         } else if (top.kind == E_GROUP && tag == QLatin1String("Name")) {

@@ -73,6 +73,20 @@ int fieldOf(QLatin1String tag)
     return -1;
 }
 
+bool keepsText(eField_t f)
+{
+    switch (f) {
+    case F_NAME: case F_UINAME: case F_UISHORTNAME: case F_DEFSTRING: case F_FWVARIABLE: case F_FWFUNCTION:
+    case F_SHORTDESCRIPTION: case F_DESCRIPTION:
+        return true;
+    default:
+        // Numbers, types and values are parsed. A value of a text type keeps its part of MinVal,
+        // MaxVal or DefVal, which may share the reader's buffer: the reader then writes the next
+        // object's text into a buffer of its own.
+        return false;
+    }
+}
+
 QString translated(const QString &text)
 {
     return text.isEmpty() ? text : QCoreApplication::translate("Odict", text.toUtf8().constData());
@@ -87,7 +101,7 @@ public:
     qint32 i32(eField_t f, qint32 def) const { return number<qint32>(r.fields[f], fieldTags[f], def, CDomDoc::toI32, "I32"); }
     qint64 i64(eField_t f, qint64 def) const { return number<qint64>(r.fields[f], fieldTags[f], def, CDomDoc::toI64, "I64"); }
     bool boolean(eField_t f, bool def) const { return number<bool>(r.fields[f], fieldTags[f], def, CDomDoc::toBool, "BOOL"); }
-    QString text(eField_t f) const { return r.fields[f].text; }
+    QString text(eField_t f) const { return r.fields[f].present ? r.fields[f].text : QString(); }
     bool present(eField_t f) const { return r.fields[f].present; }
 
     template <class T>

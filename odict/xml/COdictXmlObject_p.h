@@ -41,6 +41,8 @@ int fieldOf(QStringView tag);
 /// The same for a tag of UTF-8 bytes, as the pull reader gives it.
 int fieldOf(QLatin1String tag);
 
+/// A text read from the document; the text is valid only while present is set (a reused record
+/// keeps the buffers of earlier texts).
 struct sText_t {
     QString text;
     int line = 0;
@@ -64,7 +66,24 @@ struct sObjectRecord_t {
     QList<sListEntry_t> enumItems;
     QList<sListEntry_t> bits;
     QList<sListEntry_t> params;
+
+    /// Empties the record for the next object; the texts keep their buffers.
+    void reset()
+    {
+        line = 0;
+        id.present = subId.present = version.present = false;
+        for (sText_t &field : fields)
+            field.present = false;
+        hasEnum = hasBitSet = false;
+        enumItems.clear();
+        bits.clear();
+        params.clear();
+    }
 };
+
+/// Whether the object keeps the text of field \a f as it stands (names, display texts,
+/// descriptions); the others are parsed into numbers, types and values.
+bool keepsText(eField_t f);
 
 /// Builds the object of \a kind that \a record describes, with the reader's defaults; owned by the caller.
 COdictObject *buildObject(const sObjectRecord_t &record, NkrOdict::eObjectType_t kind, const Warn &warn);

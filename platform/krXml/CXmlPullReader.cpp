@@ -23,6 +23,24 @@ const char *localName(const char *name)
     return separator ? separator + 1 : name;
 }
 
+/// Sets \a target to \a size bytes of UTF-8 at \a data. ASCII, nearly every text of a
+/// dictionary, is widened into the target's own buffer when it has one that is not shared.
+void assignUtf8(QString &target, const char *data, size_t size)
+{
+    const char *end = data + size;
+    const char *p = data;
+    while (p < end && static_cast<signed char>(*p) >= 0)
+        ++p;
+    if (p != end || size == 0) {
+        target = QString::fromUtf8(data, int(size));
+        return;
+    }
+    target.resize(int(size)); // detaches a shared buffer
+    QChar *out = target.data();
+    for (p = data; p < end; ++p)
+        *out++ = QLatin1Char(*p);
+}
+
 QString tooLong(const char *what, qint64 limit)
 {
     return QStringLiteral("%1 longer than the limit of %2 characters").arg(QLatin1String(what)).arg(limit);
@@ -381,22 +399,48 @@ void CXmlPullReader::skipCurrentElement()
 
 QString CXmlPullReader::elementText()
 {
-    if (!isStartElement())
-        return QString();
+    QString text;
+    elementText(&text);
+    return text;
+}
+
+void CXmlPullReader::elementText(QString *text)
+{
+    if (!isStartElement()) {
+        *text = QString();
+        return;
+    }
+    // The texts before inner tags are gathered; the last one, nearly always the only one, is
+    // converted where it stands (it stays valid until the next tag is read).
     d->gathered.clear();
+    const char *last = nullptr;
+    size_t lastSize = 0;
     int depth = 1;
-    while (depth > 0) {
+    for (;;) {
         const eToken_t token = readNext();
-        const CXmlPullReaderPrivate::sSpan_t text = d->textBefore();
-        d->gathered.append(d->at(text), text.size);
+        const CXmlPullReaderPrivate::sSpan_t piece = d->textBefore();
         if (token == E_TOKEN_START)
             ++depth;
         else if (token == E_TOKEN_END)
             --depth;
-        else
-            break;
+        if (token == E_TOKEN_START || (token == E_TOKEN_END && depth > 0)) {
+            d->gathered.append(d->at(piece), piece.size);
+            continue;
+        }
+        if (d->gathered.empty()) {
+            last = d->at(piece);
+            lastSize = piece.size;
+        } else {
+            d->gathered.append(d->at(piece), piece.size);
+        }
+        break;
     }
-    return d->gathered.empty() ? QString() : QString::fromUtf8(d->gathered.data(), int(d->gathered.size()));
+    if (!d->gathered.empty())
+        assignUtf8(*text, d->gathered.data(), d->gathered.size());
+    else if (lastSize != 0)
+        assignUtf8(*text, last, lastSize);
+    else
+        *text = QString();
 }
 
 QString CXmlPullReader::readElementText()
@@ -437,7 +481,7 @@ bool CXmlPullReader::attribute(QLatin1String name, QString *value) const
         const CXmlPullReaderPrivate::sAttribute_t &attribute = d->attributes[i];
         if (attribute.name.size == size_t(name.size()) && std::memcmp(d->at(attribute.name), name.data(), attribute.name.size) == 0) {
             if (value)
-                *value = QString::fromUtf8(d->at(attribute.value), int(attribute.value.size));
+                assignUtf8(*value, d->at(attribute.value), attribute.value.size);
             return true;
         }
     }

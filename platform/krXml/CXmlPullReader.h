@@ -40,6 +40,9 @@ public:
     void skipCurrentElement();
     /// The text of the current element, children's texts included, up to its end.
     QString elementText();
+    /// The same into \a text, whose buffer is reused when it is not shared and the text is
+    /// ASCII: a caller that parses texts and keeps none of them refills one string.
+    void elementText(QString *text);
     /// The text of the current element, which must hold no child elements (an error otherwise).
     QString readElementText();
 
@@ -51,7 +54,8 @@ public:
     QLatin1String name() const;
     /// The local name of the current element.
     QString nameString() const;
-    /// Whether the current start tag has the attribute \a name (without prefix); its value goes to \a value.
+    /// Whether the current start tag has the attribute \a name (without prefix); its value goes
+    /// to \a value, whose buffer is reused as elementText(QString *) reuses it.
     bool attribute(QLatin1String name, QString *value) const;
     /// The line of the end of the current tag, from 1.
     qint64 lineNumber() const;
