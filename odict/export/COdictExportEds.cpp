@@ -108,13 +108,18 @@ void COdictExportEds::setVendorName(const QString &name)
 QStringList COdictExportEds::leftOut() const
 {
     Q_D(const COdictExportEds);
-    return d->leftOut;
+    QStringList texts;
+    texts.reserve(d->leftOutEnds.size());
+    for (int i = 0; i < d->leftOutEnds.size(); ++i)
+        texts << d->leftOutAt(i);
+    return texts;
 }
 
 bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
 {
     prepare();
-    leftOut.clear();
+    leftOutTexts.clear();
+    leftOutEnds.clear();
     m_noting = true;
     const COdictCanOpenMap map(odict);
     for (const sOdictCanOpenPlace_t &place : map.collisions()) {
@@ -146,8 +151,8 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
     }
     m_noting = false;
 
-    for (const QString &text : qAsConst(leftOut))
-        CMessageBoardHelper::setWarning(QStringLiteral("EDS export: ") + text, odict ? odict->logfile() : nullptr);
+    for (int i = 0; i < leftOutEnds.size(); ++i)
+        CMessageBoardHelper::setWarning(QStringLiteral("EDS export: ") + leftOutAt(i), odict ? odict->logfile() : nullptr);
 
     // CR LF and no byte-order mark: the form every INI reader of the field takes.
     COdictLineSink out(fileName, COdictLineSink::E_F_INI, progress(), sections.size());
@@ -158,7 +163,7 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
         out << QStringLiteral("Dummy%1=%2").arg(type, 4, 10, QLatin1Char('0')).arg(type == 1 ? 0 : 1);
     out << QString();
 
-    const int commentCount = 1 + (valueTextCount > 0 ? valueTextCount + 1 : 0) + (leftOut.isEmpty() ? 0 : leftOut.size() + 1);
+    const int commentCount = 1 + (valueTextCount > 0 ? valueTextCount + 1 : 0) + (leftOutEnds.isEmpty() ? 0 : leftOutEnds.size() + 1);
     int line = 0;
     const auto comment = [&out, &line](const QString &text) { out << QStringLiteral("Line%1=").arg(++line) + text; };
     out << QStringLiteral("[Comments]") << QStringLiteral("Lines=%1").arg(commentCount);
@@ -173,10 +178,10 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
             valueTexts(section, entries, comment);
         }
     }
-    if (!leftOut.isEmpty()) {
+    if (!leftOutEnds.isEmpty()) {
         comment(QStringLiteral("Left out:"));
-        for (const QString &text : qAsConst(leftOut))
-            comment(text);
+        for (int i = 0; i < leftOutEnds.size(); ++i)
+            comment(leftOutAt(i));
     }
     out << QString();
 
@@ -240,6 +245,12 @@ void COdictExportEdsPrivate::deviceInfo(COdictLineSink &out, const QList<unsigne
           << QStringLiteral("NrOfTXPDO=%1").arg(txPdos) << QStringLiteral("LSS_Supported=0") << QString();
 }
 
+QString COdictExportEdsPrivate::leftOutAt(int i) const
+{
+    const int start = i == 0 ? 0 : leftOutEnds.at(i - 1);
+    return QString::fromUtf8(leftOutTexts.constData() + start, leftOutEnds.at(i) - start);
+}
+
 QString COdictExportEdsPrivate::entryName(unsigned int index, unsigned int subIndex) const
 {
     QString name = QString::number(index, 16).toUpper().rightJustified(4, QLatin1Char('0'));
@@ -251,7 +262,10 @@ QString COdictExportEdsPrivate::entryName(unsigned int index, unsigned int subIn
 void COdictExportEdsPrivate::leaveOut(const COdictObject &object, const QString &reason)
 {
     if (m_noting)
-        leftOut.append(QStringLiteral("%1: %2").arg(object.longInfo(), reason));
+    {
+        leftOutTexts += QStringLiteral("%1: %2").arg(object.longInfo(), reason).toUtf8();
+        leftOutEnds.append(leftOutTexts.size());
+    }
 }
 
 bool COdictExportEdsPrivate::entryOf(const COdictObject &object, NTypes::eTypes_t type, sEntry_t &entry)

@@ -4,6 +4,8 @@
 
 #include "NTypes.h"
 
+#include <QVector>
+
 #include <functional>
 
 class COdictObject;
@@ -17,8 +19,14 @@ public:
 
     bool exportToEds(const QString &fileName);
 
+    /// The text of the \a i-th object left out by the last export.
+    QString leftOutAt(int i) const;
+
     QString vendorName;
-    QStringList leftOut;
+    /// The texts of the objects left out, one after the other in UTF-8: a dictionary may have
+    /// thousands, and these take half the memory of a list of strings.
+    QByteArray leftOutTexts;
+    QVector<int> leftOutEnds; ///< where each text ends in leftOutTexts
 
 private:
     /// One entry (a VAR or a sub-index) of an object section.
@@ -50,7 +58,7 @@ private:
     void valueTexts(const sSection_t &section, const sEntries_t &entries,
                     const std::function<void(const QString &)> &add) const;
     void writeSection(COdictLineSink &out, const sSection_t &section, const sEntries_t &entries) const;
-    /// Notes \a object in leftOut during the first pass; the later passes see the same objects
+    /// Notes \a object as left out during the first pass; the later passes see the same objects
     /// again and note nothing.
     void leaveOut(const COdictObject &object, const QString &reason);
     void fileInfo(COdictLineSink &out, const QString &fileName) const;
