@@ -3,103 +3,349 @@
 #include "CXmlText.h"
 
 #include <QFile>
-#include <QFileInfo>
-#include <QTemporaryFile>
 
+#include <cstring>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#else
+#include <QDir>
+#include <QFileInfo>
 #include <filesystem>
 #include <system_error>
+#endif
 
 namespace {
 
-std::filesystem::path nativePath(const QString &path)
-{
-#ifdef Q_OS_WIN
-    return std::filesystem::path(path.toStdWString());
-#else
-    return std::filesystem::path(QFile::encodeName(path).toStdString());
-#endif
-}
+// A file larger than this (the map lists every topic) is written in pieces of about this size.
+constexpr int spillSize = 64 * 1024;
 
 } // namespace
 
-COdictDitaWriter::COdictDitaWriter() : m_xml(&m_text)
+COdictDitaWriter::COdictDitaWriter()
 {
-    // No auto-formatting: the indentation took a third of the time of a large export, and the
-    // files are read by tools (xmllint --format shows them indented).
-    m_text.reserve(8 * 1024);
+    m_out.reserve(16 * 1024);
 }
 
-void COdictDitaWriter::begin(const QString &root, const QString &publicId, const QString &systemId,
-                             const QString &id, const QString &lang)
+COdictDitaWriter::~COdictDitaWriter()
 {
-    // A writer on a string leaves the encoding out of its declaration, so it is written here.
-    m_text.resize(0); // keeps the capacity
-    m_text += QLatin1String("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
-    m_xml.writeDTD(QStringLiteral("<!DOCTYPE %1 PUBLIC \"%2\" \"%3\">\n").arg(root, publicId, systemId));
-    m_xml.writeStartElement(root);
-    attribute(QStringLiteral("id"), id);
+    close();
+}
+
+bool COdictDitaWriter::open(const QString &directory)
+{
+    close();
+#ifdef Q_OS_UNIX
+    // Every file is opened, checked and renamed relative to the directory: no path is resolved
+    // again for each of the thousands of files.
+    m_directory = ::open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return m_directory >= 0;
+#else
+    m_directory = directory;
+    return QFileInfo(directory).isDir();
+#endif
+}
+
+void COdictDitaWriter::close()
+{
+    discard();
+#ifdef Q_OS_UNIX
+    if (m_directory >= 0)
+        ::close(m_directory);
+    m_directory = -1;
+#else
+    m_directory.clear();
+#endif
+}
+
+void COdictDitaWriter::begin(const QByteArray &fileName, const char *root, const char *publicId,
+                             const char *systemId, QLatin1String id, const QString &lang)
+{
+    discard(); // a file begun but never committed
+    m_fileName = fileName;
+    m_partial = fileName + ".part";
+    m_failed = false;
+    m_out.resize(0); // keeps the capacity
+    m_open.clear();
+    m_startTagOpen = false;
+    m_out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE ");
+    m_out.append(root);
+    m_out.append(" PUBLIC \"");
+    m_out.append(publicId);
+    m_out.append("\" \"");
+    m_out.append(systemId);
+    m_out.append("\">\n");
+    start(root);
+    attribute("id", id);
     if (!lang.isEmpty())
-        attribute(QStringLiteral("xml:lang"), lang);
+        attribute("xml:lang", lang);
 }
 
-bool COdictDitaWriter::commit(const QString &path)
+bool COdictDitaWriter::commit()
 {
-    m_xml.writeEndDocument(); // closes every open element; the writer is ready for the next file
-    const QByteArray bytes = m_text.toUtf8();
-    // A reader (or the toolkit) sees the old file or the new one, never a part of one. Neither
-    // way flushes each file to the disk as QSaveFile does, which made a package of 140,000
-    // topics take minutes instead of seconds.
-    return (!QFileInfo::exists(path) && create(path, bytes)) || replace(path, bytes);
-}
-
-bool COdictDitaWriter::create(const QString &path, const QByteArray &bytes)
-{
-    // A temporary file that gets its name only when complete: on Linux an unnamed file linked in
-    // under the target name, seven times cheaper on ext4 than a named file renamed into place.
-    // Its rename never replaces a file, so one that appeared meanwhile is left to replace().
-    QTemporaryFile file(QFileInfo(path).absolutePath() + QStringLiteral("/.odict-XXXXXX"));
-    if (!file.open() || file.write(bytes) != bytes.size() || !file.flush())
+    while (!m_open.isEmpty())
+        end();
+    m_out.append('\n');
+    // A reader (or the toolkit) sees the old file or the new one, never a part of one: the file
+    // is written beside its target and renamed over it. Neither way flushes each file to the
+    // disk as QSaveFile does, which made a package of 140,000 topics take minutes.
+#ifdef Q_OS_UNIX
+    struct stat status;
+    // stat follows symbolic links: a link to a device is refused like the device.
+    const bool refused = m_directory < 0
+        || (::fstatat(m_directory, m_fileName.constData(), &status, 0) == 0 && !S_ISREG(status.st_mode));
+    bool written = !refused && writeOut();
+    if (m_file >= 0) {
+        written = ::close(m_file) == 0 && written;
+        m_file = -1;
+    }
+    if (written && ::renameat(m_directory, m_partial.constData(), m_directory, m_fileName.constData()) == 0) {
+        m_partial.clear();
+        return true;
+    }
+    discard();
+    return false;
+#else
+    const QString target = QDir(m_directory).filePath(QFile::decodeName(m_fileName));
+    const QFileInfo info(target);
+    if (m_directory.isEmpty() || (info.exists() && !info.isFile()))
         return false;
-    // Temporary files are private to their owner; a document is not.
-    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup
-                        | QFileDevice::ReadOther);
-    if (!file.rename(path))
-        return false;
-    file.setAutoRemove(false);
-    return true;
-}
-
-bool COdictDitaWriter::replace(const QString &path, const QByteArray &bytes)
-{
-    // Written beside the target and renamed over it.
-    const QString partial = path + QStringLiteral(".part");
-    QFile file(partial);
+    QFile file(QDir(m_directory).filePath(QFile::decodeName(m_partial)));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return false;
-    bool written = file.write(bytes) == bytes.size() && file.flush();
+    bool written = file.write(m_out) == m_out.size() && file.flush();
     file.close();
     written = written && file.error() == QFileDevice::NoError;
     std::error_code error;
     if (written)
-        std::filesystem::rename(nativePath(partial), nativePath(path), error);
+        std::filesystem::rename(std::filesystem::path(file.fileName().toStdWString()),
+                                std::filesystem::path(target.toStdWString()), error);
     if (written && !error)
         return true;
-    QFile::remove(partial);
+    file.remove();
     return false;
+#endif
 }
 
-void COdictDitaWriter::emptyElement(const QString &name, const QString &attribute, const QString &value)
+void COdictDitaWriter::spill()
 {
-    m_xml.writeEmptyElement(name);
+#ifdef Q_OS_UNIX
+    if (!m_failed)
+        m_failed = !writeOut();
+    m_out.resize(0);
+#endif
+}
+
+bool COdictDitaWriter::writeOut()
+{
+#ifdef Q_OS_UNIX
+    if (m_failed || m_directory < 0)
+        return false;
+    if (m_file < 0) {
+        m_file = ::openat(m_directory, m_partial.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        if (m_file < 0)
+            return false;
+    }
+    for (const char *data = m_out.constData(), *end = data + m_out.size(); data != end;) {
+        const ssize_t n = ::write(m_file, data, size_t(end - data));
+        if (n > 0)
+            data += n;
+        else if (n == 0 || errno != EINTR)
+            return false;
+    }
+    m_out.resize(0);
+    return true;
+#else
+    return false;
+#endif
+}
+
+void COdictDitaWriter::discard()
+{
+#ifdef Q_OS_UNIX
+    if (m_file >= 0) {
+        ::close(m_file);
+        m_file = -1;
+    }
+    if (!m_partial.isEmpty() && m_directory >= 0)
+        ::unlinkat(m_directory, m_partial.constData(), 0);
+#endif
+    m_partial.clear();
+}
+
+void COdictDitaWriter::start(const char *name)
+{
+    if (m_out.size() >= spillSize)
+        spill();
+    closeStartTag();
+    m_out.append('<');
+    appendName(name);
+    m_open.append(name);
+    m_startTagOpen = true;
+}
+
+void COdictDitaWriter::end()
+{
+    if (m_open.isEmpty())
+        return;
+    const char *name = m_open.last();
+    m_open.removeLast();
+    if (m_startTagOpen) { // nothing inside: an empty-element tag
+        m_out.append("/>");
+        m_startTagOpen = false;
+        return;
+    }
+    m_out.append("</");
+    appendName(name);
+    m_out.append('>');
+}
+
+void COdictDitaWriter::closeStartTag()
+{
+    if (m_startTagOpen) {
+        m_out.append('>');
+        m_startTagOpen = false;
+    }
+}
+
+void COdictDitaWriter::attribute(const char *name, const QString &value)
+{
+    m_out.append(' ');
+    appendName(name);
+    m_out.append("=\"");
+    appendEscaped(value, true);
+    m_out.append('"');
+}
+
+void COdictDitaWriter::attribute(const char *name, QLatin1String value)
+{
+    m_out.append(' ');
+    appendName(name);
+    m_out.append("=\"");
+    appendEscaped(value, true);
+    m_out.append('"');
+}
+
+void COdictDitaWriter::element(const char *name, const QString &text)
+{
+    closeStartTag();
+    m_out.append('<');
+    appendName(name);
+    m_out.append('>');
+    appendEscaped(text, false);
+    m_out.append("</");
+    appendName(name);
+    m_out.append('>');
+}
+
+void COdictDitaWriter::emptyElement(const char *name, const char *attribute, const QString &value)
+{
+    closeStartTag();
+    m_out.append('<');
+    appendName(name);
     this->attribute(attribute, value);
+    m_out.append("/>");
 }
 
-void COdictDitaWriter::xref(const QString &href, const QString &text)
+void COdictDitaWriter::xref(QLatin1String href, const QString &text)
 {
-    m_xml.writeStartElement(QStringLiteral("xref"));
-    attribute(QStringLiteral("href"), href);
-    m_xml.writeCharacters(clean(text));
-    m_xml.writeEndElement();
+    closeStartTag();
+    m_out.append("<xref");
+    attribute("href", href);
+    m_out.append('>');
+    appendEscaped(text, false);
+    m_out.append("</xref>");
+}
+
+namespace {
+
+/// The escape of an ASCII character, or null when it stands for itself. \a skip is set for the
+/// control characters XML 1.0 cannot carry.
+inline const char *escapeOf(ushort u, bool inAttribute, bool &skip)
+{
+    skip = false;
+    switch (u) {
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    case '&': return "&amp;";
+    case '"': return "&quot;";
+    case '\t': return inAttribute ? "&#9;" : nullptr;
+    case '\n': return inAttribute ? "&#10;" : nullptr;
+    case '\r': return inAttribute ? "&#13;" : nullptr;
+    default:
+        skip = u < 0x20;
+        return nullptr;
+    }
+}
+
+} // namespace
+
+void COdictDitaWriter::appendEscaped(const QString &text, bool inAttribute)
+{
+    const ushort *p = text.utf16();
+    const ushort *const end = p + text.size();
+    // At most six bytes per UTF-16 unit ("&quot;"; a surrogate pair takes four for two units).
+    const int start = m_out.size();
+    m_out.resize(start + 6 * text.size());
+    char *out = m_out.data() + start;
+    for (; p != end; ++p) {
+        const ushort u = *p;
+        if (u < 0x80) {
+            bool skip = false;
+            if (const char *escape = escapeOf(u, inAttribute, skip)) {
+                const size_t length = std::strlen(escape);
+                std::memcpy(out, escape, length);
+                out += length;
+            } else if (!skip) {
+                *out++ = char(u);
+            }
+        } else if (u < 0x800) {
+            *out++ = char(0xC0 | (u >> 6));
+            *out++ = char(0x80 | (u & 0x3F));
+        } else if (QChar::isSurrogate(u)) {
+            // Only a complete pair is a character; an unpaired half is left out.
+            if (QChar::isHighSurrogate(u) && p + 1 != end && QChar::isLowSurrogate(p[1])) {
+                const uint code = QChar::surrogateToUcs4(u, p[1]);
+                ++p;
+                *out++ = char(0xF0 | (code >> 18));
+                *out++ = char(0x80 | ((code >> 12) & 0x3F));
+                *out++ = char(0x80 | ((code >> 6) & 0x3F));
+                *out++ = char(0x80 | (code & 0x3F));
+            }
+        } else if (u != 0xFFFE && u != 0xFFFF) {
+            *out++ = char(0xE0 | (u >> 12));
+            *out++ = char(0x80 | ((u >> 6) & 0x3F));
+            *out++ = char(0x80 | (u & 0x3F));
+        }
+    }
+    m_out.resize(int(out - m_out.constData())); // keeps the capacity
+}
+
+void COdictDitaWriter::appendEscaped(QLatin1String text, bool inAttribute)
+{
+    const int start = m_out.size();
+    m_out.resize(start + 6 * text.size());
+    char *out = m_out.data() + start;
+    for (const char c : text) {
+        const ushort u = uchar(c);
+        if (u < 0x80) {
+            bool skip = false;
+            if (const char *escape = escapeOf(u, inAttribute, skip)) {
+                const size_t length = std::strlen(escape);
+                std::memcpy(out, escape, length);
+                out += length;
+            } else if (!skip) {
+                *out++ = c;
+            }
+        } else {
+            *out++ = char(0xC0 | (u >> 6));
+            *out++ = char(0x80 | (u & 0x3F));
+        }
+    }
+    m_out.resize(int(out - m_out.constData()));
 }
 
 QString COdictDitaWriter::clean(const QString &text)

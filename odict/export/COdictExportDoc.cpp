@@ -12,15 +12,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QLocale>
-#include <QSet>
+
+#include <cstring>
 
 namespace {
 
-const QString conceptId = QStringLiteral("-//OASIS//DTD DITA 1.2 Concept//EN");
-const QString referenceId = QStringLiteral("-//OASIS//DTD DITA 1.2 Reference//EN");
-const QString bookmapId = QStringLiteral("-//OASIS//DTD DITA 1.2 BookMap//EN");
-const QString frontPage = QStringLiteral("frontpage");
-const QString ditaSuffix = QStringLiteral(".dita");
+const char *const conceptId = "-//OASIS//DTD DITA 1.2 Concept//EN";
+const char *const referenceId = "-//OASIS//DTD DITA 1.2 Reference//EN";
+const char *const bookmapId = "-//OASIS//DTD DITA 1.2 BookMap//EN";
 
 // The fixed texts of the package, translated once per export (context "COdictExportDoc").
 enum eLabel_t {
@@ -120,35 +119,31 @@ QString hex(quint64 value, int width)
 }
 
 /// The topic id of an object: "obj_" and the id in hexadecimal, "_" and the sub-id for a sub-object.
-QString objectTopicId(const COdictObject &object)
+QByteArray objectTopicId(const COdictObject &object)
 {
-    QString id = QStringLiteral("obj_") + QString::number(object.id(), 16).rightJustified(4, QLatin1Char('0'));
+    QByteArray id = "obj_" + QByteArray::number(object.id(), 16).rightJustified(4, '0');
     if (object.isSubObject())
-        id += QLatin1Char('_') + QString::number(object.subId(), 16).rightJustified(2, QLatin1Char('0'));
+        id += '_' + QByteArray::number(object.subId(), 16).rightJustified(2, '0');
     return id;
 }
 
 /// \a text reduced to lower-case ASCII letters, digits and "_": valid in an XML name after a
 /// prefix, and the same file on file systems that ignore case.
-QString nameCharacters(const QString &text)
+QByteArray nameCharacters(const QString &text)
 {
-    QString result = text.toLower();
-    for (QChar &c : result) {
-        const ushort u = c.unicode();
-        if (!((u >= 'a' && u <= 'z') || (u >= '0' && u <= '9')))
-            c = QLatin1Char('_');
+    const QString lower = text.toLower();
+    QByteArray result(lower.size(), '_');
+    for (int i = 0; i < lower.size(); ++i) {
+        const ushort u = lower.at(i).unicode();
+        if ((u >= 'a' && u <= 'z') || (u >= '0' && u <= '9'))
+            result[i] = char(u);
     }
     return result;
 }
 
-/// \a base, or \a base with "_2", "_3", ... when another topic has it already.
-QString uniqueId(const QString &base, QSet<QString> &used)
+uint idHash(const char *id, int size)
 {
-    QString id = base;
-    for (int n = 2; used.contains(id); ++n)
-        id = base + QLatin1Char('_') + QString::number(n);
-    used.insert(id);
-    return id;
+    return qHashBits(id, size_t(size));
 }
 
 /// The dictionary's language as an xml:lang value; the C locale's texts are English.
@@ -209,7 +204,6 @@ QString COdictExportDocPrivate::mapFileName() const
 bool COdictExportDocPrivate::exportToPackage(const QString &outputDirectory)
 {
     prepare();
-    directory = outputDirectory;
     lang = odict ? languageTag(odict->language()) : QStringLiteral("en");
     meta = odict ? odict->odictMetaData() : CXMLMetaData();
     labels.clear();
@@ -217,26 +211,50 @@ bool COdictExportDocPrivate::exportToPackage(const QString &outputDirectory)
         labels << QCoreApplication::translate("COdictExportDoc", text);
     plan();
 
-    bool written = QDir().mkpath(directory) && writeMap() && writeFrontPage();
+    bool written = QDir().mkpath(outputDirectory) && writer.open(outputDirectory) && writeMap() && writeFrontPage();
     for (int i = 0; written && i < topics.size(); ++i)
         written = topics.at(i).kind == E_TK_GROUP ? writeGroup(i) : writeObject(i);
+    writer.close();
     topics.clear();
+    topics.squeeze();
+    ids.clear();
+    idTable.clear();
     return written;
 }
 
 void COdictExportDocPrivate::plan()
 {
     topics.clear();
+    ids.clear();
+    idTable = QVector<int>(1024, -1);
     groupTopics = objectTopics = subObjectTopics = 0;
     const COdictNode *root = odict ? odict->odictTree() : nullptr;
     const COdictNode *top = root ? root->child(0) : nullptr;
     if (!top)
         return;
 
+    // The topics are counted first, so that their tables are allocated once at their size:
+    // growing them would hold the old block and the new one at the same time.
+    int count = 0;
+    QVector<const COdictNode *> below{top};
+    while (!below.isEmpty()) {
+        const COdictNode *node = below.takeLast();
+        count += node->childCount();
+        for (int i = 0; i < node->childCount(); ++i)
+            below.append(node->child(i));
+    }
+    below.squeeze();
+    topics.reserve(count);
+    ids.reserve(count * 12); // "obj_" and six to eight digits, for most
+    int tableSize = idTable.size();
+    while (tableSize < 2 * (count + 1))
+        tableSize *= 2;
+    idTable = QVector<int>(tableSize, -1); // allocated at its size, fill() would round up
+
     // Pre-order with a work list (trees may be deep); each entry remembers its parent topic so
     // that the subtree ends can be filled in afterwards.
-    QSet<QString> used;
     QVector<int> parents;
+    parents.reserve(count);
     QVector<QPair<const COdictNode *, int>> pending;
     for (int i = top->childCount() - 1; i >= 0; --i)
         pending.append(qMakePair(top->child(i), -1));
@@ -248,14 +266,14 @@ void COdictExportDocPrivate::plan()
         topic.node = entry.first;
         if (object) {
             topic.kind = item.type() == NkrOdict::E_IT_SUBOBJECT ? E_TK_SUBOBJECT : E_TK_OBJECT;
-            topic.id = uniqueId(objectTopicId(*object), used);
+            assignUniqueId(topic, objectTopicId(*object));
             ++(topic.kind == E_TK_OBJECT ? objectTopics : subObjectTopics);
         } else {
             // Anything that is not an object (a group, or a node of another kind) becomes a
             // group topic, so that nothing below it goes missing.
             topic.kind = E_TK_GROUP;
-            const QString name = nameCharacters(item.name());
-            topic.id = uniqueId(QStringLiteral("grp_") + (name.isEmpty() ? QStringLiteral("group") : name), used);
+            const QByteArray name = nameCharacters(item.name());
+            assignUniqueId(topic, "grp_" + (name.isEmpty() ? QByteArray("group") : name));
             ++groupTopics;
         }
         const int index = topics.size();
@@ -271,56 +289,90 @@ void COdictExportDocPrivate::plan()
     }
 }
 
-QString COdictExportDocPrivate::fileOf(int topic) const
+void COdictExportDocPrivate::assignUniqueId(sTopic_t &topic, const QByteArray &base)
 {
-    return topics.at(topic).id + ditaSuffix;
+    // Linear probing; the table is at most half full, so a free slot ends every search.
+    const auto slotOf = [this](const char *id, int size) {
+        const int mask = idTable.size() - 1;
+        int slot = int(idHash(id, size) & uint(mask));
+        for (int t = idTable.at(slot); t >= 0; t = idTable.at(slot)) {
+            if (topics.at(t).idSize == size && std::memcmp(ids.constData() + topics.at(t).idStart, id, size_t(size)) == 0)
+                break;
+            slot = (slot + 1) & mask;
+        }
+        return slot;
+    };
+    if (2 * (topics.size() + 1) > idTable.size()) {
+        idTable = QVector<int>(2 * idTable.size(), -1);
+        for (int t = 0; t < topics.size(); ++t)
+            idTable[slotOf(ids.constData() + topics.at(t).idStart, topics.at(t).idSize)] = t;
+    }
+    QByteArray id = base;
+    int slot = slotOf(id.constData(), id.size());
+    for (int n = 2; idTable.at(slot) >= 0; ++n) {
+        id = base + '_' + QByteArray::number(n);
+        slot = slotOf(id.constData(), id.size());
+    }
+    idTable[slot] = topics.size(); // the topic is appended next
+    topic.idStart = ids.size();
+    topic.idSize = id.size();
+    ids += id;
 }
 
-QString COdictExportDocPrivate::hrefOf(int topic) const
+QLatin1String COdictExportDocPrivate::idOf(int topic) const
 {
-    return fileOf(topic) + QLatin1Char('#') + topics.at(topic).id;
+    return QLatin1String(ids.constData() + topics.at(topic).idStart, topics.at(topic).idSize);
+}
+
+QByteArray COdictExportDocPrivate::fileOf(int topic) const
+{
+    const QLatin1String id = idOf(topic);
+    return QByteArray(id.data(), id.size()) + ".dita";
+}
+
+QLatin1String COdictExportDocPrivate::hrefOf(int topic)
+{
+    const QLatin1String id = idOf(topic);
+    href.resize(0);
+    href.append(id.data(), id.size()).append(".dita#").append(id.data(), id.size());
+    return QLatin1String(href);
 }
 
 QString COdictExportDocPrivate::titleOf(int topic) const
 {
     const QString title = translated(topics.at(topic).node->dataRef().uiName());
-    return title.isEmpty() ? topics.at(topic).id : title;
-}
-
-bool COdictExportDocPrivate::commit(const QString &fileName)
-{
-    return writer.commit(QDir(directory).filePath(fileName));
+    return title.isEmpty() ? QString(idOf(topic)) : title;
 }
 
 void COdictExportDocPrivate::row(std::initializer_list<QString> cells)
 {
-    writer.start(QStringLiteral("strow"));
+    writer.start("strow");
     for (const QString &cell : cells)
-        writer.element(QStringLiteral("stentry"), cell);
+        writer.element("stentry", cell);
     writer.end();
 }
 
 bool COdictExportDocPrivate::writeMap()
 {
     const QString title = odictName.isEmpty() ? label(L_OBJECT_DICTIONARY) : odictName;
-    writer.begin(QStringLiteral("bookmap"), bookmapId, QStringLiteral("bookmap.dtd"), QStringLiteral("bookmap"), lang);
-    writer.start(QStringLiteral("booktitle"));
-    writer.element(QStringLiteral("mainbooktitle"), title);
-    writer.element(QStringLiteral("booktitlealt"), label(L_OBJECT_DICTIONARY));
+    writer.begin(mapFileName().toLatin1(), "bookmap", bookmapId, "bookmap.dtd", QLatin1String("bookmap"), lang);
+    writer.start("booktitle");
+    writer.element("mainbooktitle", title);
+    writer.element("booktitlealt", label(L_OBJECT_DICTIONARY));
     writer.end();
 
     // The children of bookmeta in the order the DTD demands: author, publisher information
     // (the export date), critical dates (from the history), product information (the version).
-    writer.start(QStringLiteral("bookmeta"));
+    writer.start("bookmeta");
     if (!meta.author().isEmpty())
-        writer.element(QStringLiteral("author"), meta.author());
+        writer.element("author", meta.author());
     const QDate exported = exportDate();
-    writer.start(QStringLiteral("publisherinformation"));
-    writer.start(QStringLiteral("published"));
-    writer.start(QStringLiteral("completed"));
-    writer.element(QStringLiteral("year"), QString::number(exported.year()));
-    writer.element(QStringLiteral("month"), QString::number(exported.month()).rightJustified(2, QLatin1Char('0')));
-    writer.element(QStringLiteral("day"), QString::number(exported.day()).rightJustified(2, QLatin1Char('0')));
+    writer.start("publisherinformation");
+    writer.start("published");
+    writer.start("completed");
+    writer.element("year", QString::number(exported.year()));
+    writer.element("month", QString::number(exported.month()).rightJustified(2, QLatin1Char('0')));
+    writer.element("day", QString::number(exported.day()).rightJustified(2, QLatin1Char('0')));
     writer.end();
     writer.end();
     writer.end();
@@ -328,28 +380,28 @@ bool COdictExportDocPrivate::writeMap()
     // The history is newest first: its last record is the dictionary's first release.
     const QDate created = history.size() > 0 ? history.at(history.size() - 1).date() : meta.date();
     if (created.isValid() || meta.date().isValid()) {
-        writer.start(QStringLiteral("critdates"));
+        writer.start("critdates");
         if (created.isValid())
-            writer.emptyElement(QStringLiteral("created"), QStringLiteral("date"), isoDate(created));
+            writer.emptyElement("created", "date", isoDate(created));
         if (meta.date().isValid())
-            writer.emptyElement(QStringLiteral("revised"), QStringLiteral("modified"), isoDate(meta.date()));
+            writer.emptyElement("revised", "modified", isoDate(meta.date()));
         writer.end();
     }
     const quint32 version = meta.version().value;
-    writer.start(QStringLiteral("prodinfo"));
-    writer.element(QStringLiteral("prodname"), title);
-    writer.start(QStringLiteral("vrmlist"));
-    writer.start(QStringLiteral("vrm"));
-    writer.attribute(QStringLiteral("version"), QString::number(version >> 24));
-    writer.attribute(QStringLiteral("release"), QString::number((version >> 16) & 0xFFu));
-    writer.attribute(QStringLiteral("modification"), QString::number(version & 0xFFFFu));
+    writer.start("prodinfo");
+    writer.element("prodname", title);
+    writer.start("vrmlist");
+    writer.start("vrm");
+    writer.attribute("version", QString::number(version >> 24));
+    writer.attribute("release", QString::number((version >> 16) & 0xFFu));
+    writer.attribute("modification", QString::number(version & 0xFFFFu));
     writer.end();
     writer.end();
     writer.end();
     writer.end(); // bookmeta
 
-    writer.start(QStringLiteral("frontmatter"));
-    writer.emptyElement(QStringLiteral("topicref"), QStringLiteral("href"), frontPage + ditaSuffix);
+    writer.start("frontmatter");
+    writer.emptyElement("topicref", "href", QStringLiteral("frontpage.dita"));
     writer.end();
 
     // Top-level topics are chapters, everything below them nested topic references; the stack
@@ -360,27 +412,27 @@ bool COdictExportDocPrivate::writeMap()
             writer.end();
             open.removeLast();
         }
-        writer.start(open.isEmpty() ? QStringLiteral("chapter") : QStringLiteral("topicref"));
-        writer.attribute(QStringLiteral("href"), fileOf(i));
+        writer.start(open.isEmpty() ? "chapter" : "topicref");
+        writer.attribute("href", QLatin1String(fileOf(i)));
         open.append(topics.at(i).end);
     }
-    return commit(mapFileName());
+    return writer.commit();
 }
 
 bool COdictExportDocPrivate::writeFrontPage()
 {
     const QString title = odictName.isEmpty() ? label(L_OBJECT_DICTIONARY) : odictName;
     const QString version = CStr::versionToString(meta.version());
-    writer.begin(QStringLiteral("concept"), conceptId, QStringLiteral("concept.dtd"), frontPage, lang);
-    writer.element(QStringLiteral("title"), title);
-    writer.element(QStringLiteral("shortdesc"), label(L_FRONT_SHORTDESC).arg(title, version));
-    writer.start(QStringLiteral("conbody"));
+    writer.begin(QByteArrayLiteral("frontpage.dita"), "concept", conceptId, "concept.dtd", QLatin1String("frontpage"), lang);
+    writer.element("title", title);
+    writer.element("shortdesc", label(L_FRONT_SHORTDESC).arg(title, version));
+    writer.start("conbody");
 
-    writer.start(QStringLiteral("simpletable"));
-    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 3*"));
-    writer.start(QStringLiteral("sthead"));
-    writer.element(QStringLiteral("stentry"), label(L_PROPERTY));
-    writer.element(QStringLiteral("stentry"), label(L_VALUE));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 3*"));
+    writer.start("sthead");
+    writer.element("stentry", label(L_PROPERTY));
+    writer.element("stentry", label(L_VALUE));
     writer.end();
     row({label(L_NAME), odictName});
     row({label(L_VERSION), version});
@@ -393,18 +445,18 @@ bool COdictExportDocPrivate::writeFrontPage()
     row({label(L_EXPORTED), isoDate(exportDate())});
     writer.end();
 
-    writer.start(QStringLiteral("section"));
-    writer.attribute(QStringLiteral("id"), QStringLiteral("history"));
-    writer.element(QStringLiteral("title"), label(L_HISTORY));
+    writer.start("section");
+    writer.attribute("id", QLatin1String("history"));
+    writer.element("title", label(L_HISTORY));
     const COdictHistory history = odict ? odict->odictHistory() : COdictHistory();
     if (history.size() == 0) {
-        writer.element(QStringLiteral("p"), label(L_NO_HISTORY));
+        writer.element("p", label(L_NO_HISTORY));
     } else {
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 1* 1* 2* 4*"));
-        writer.start(QStringLiteral("sthead"));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 1* 1* 2* 4*"));
+        writer.start("sthead");
         for (const int l : {L_VERSION, L_DATE, L_TIME, L_AUTHOR, L_COMMENT})
-            writer.element(QStringLiteral("stentry"), label(l));
+            writer.element("stentry", label(l));
         writer.end();
         for (int i = 0; i < history.size(); ++i) {
             const CXMLMetaData record = history.at(i);
@@ -416,20 +468,20 @@ bool COdictExportDocPrivate::writeFrontPage()
     }
     writer.end();
 
-    writer.start(QStringLiteral("section"));
-    writer.attribute(QStringLiteral("id"), QStringLiteral("datastructures"));
-    writer.element(QStringLiteral("title"), label(L_STRUCTURES));
+    writer.start("section");
+    writer.attribute("id", QLatin1String("datastructures"));
+    writer.element("title", label(L_STRUCTURES));
     const COdictObjectTree *tree = odict ? odict->objectTree() : nullptr;
     const QList<COdictDataStructure::SDataStructure_t> structures =
         tree ? tree->dataStructures().list() : QList<COdictDataStructure::SDataStructure_t>();
     if (structures.isEmpty()) {
-        writer.element(QStringLiteral("p"), label(L_NO_STRUCTURES));
+        writer.element("p", label(L_NO_STRUCTURES));
     } else {
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 2* 2* 4* 4*"));
-        writer.start(QStringLiteral("sthead"));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 2* 2* 4* 4*"));
+        writer.start("sthead");
         for (const int l : {L_ID, L_NAME, L_DISPLAY_NAME, L_DESCRIPTION, L_MEMBERS})
-            writer.element(QStringLiteral("stentry"), label(l));
+            writer.element("stentry", label(l));
         writer.end();
         for (const auto &structure : structures) {
             QStringList members;
@@ -443,17 +495,17 @@ bool COdictExportDocPrivate::writeFrontPage()
     writer.end();
 
     writer.end(); // conbody
-    return commit(frontPage + ditaSuffix);
+    return writer.commit();
 }
 
 bool COdictExportDocPrivate::writeGroup(int topic)
 {
     const sTopic_t &group = topics.at(topic);
     const QString title = titleOf(topic);
-    writer.begin(QStringLiteral("concept"), conceptId, QStringLiteral("concept.dtd"), group.id, lang);
-    writer.element(QStringLiteral("title"), title);
-    writer.element(QStringLiteral("shortdesc"), label(L_GROUP_SHORTDESC).arg(title));
-    writer.start(QStringLiteral("conbody"));
+    writer.begin(fileOf(topic), "concept", conceptId, "concept.dtd", idOf(topic), lang);
+    writer.element("title", title);
+    writer.element("shortdesc", label(L_GROUP_SHORTDESC).arg(title));
+    writer.start("conbody");
 
     // The direct children: the subtree of each child is skipped by its end.
     QVector<int> groups;
@@ -461,9 +513,9 @@ bool COdictExportDocPrivate::writeGroup(int topic)
     for (int i = topic + 1; i < group.end; i = topics.at(i).end)
         (topics.at(i).kind == E_TK_GROUP ? groups : objects).append(i);
     if (!groups.isEmpty()) {
-        writer.start(QStringLiteral("ul"));
+        writer.start("ul");
         for (const int i : qAsConst(groups)) {
-            writer.start(QStringLiteral("li"));
+            writer.start("li");
             writer.xref(hrefOf(i), titleOf(i));
             writer.end();
         }
@@ -472,9 +524,9 @@ bool COdictExportDocPrivate::writeGroup(int topic)
     if (!objects.isEmpty())
         writeObjectTable(topic);
     if (groups.isEmpty() && objects.isEmpty())
-        writer.element(QStringLiteral("p"), label(L_EMPTY_GROUP));
+        writer.element("p", label(L_EMPTY_GROUP));
     writer.end(); // conbody
-    return commit(fileOf(topic));
+    return writer.commit();
 }
 
 bool COdictExportDocPrivate::writeObject(int topic)
@@ -484,10 +536,10 @@ bool COdictExportDocPrivate::writeObject(int topic)
     const COdictObject &object = *item.objectPtr();
     const COdictEditorObject *editor = item.toEditorObjectPtr();
 
-    writer.begin(QStringLiteral("reference"), referenceId, QStringLiteral("reference.dtd"), entry.id, lang);
-    writer.element(QStringLiteral("title"), titleOf(topic));
-    writer.start(QStringLiteral("titlealts"));
-    writer.element(QStringLiteral("navtitle"), translated(item.uiShortName()));
+    writer.begin(fileOf(topic), "reference", referenceId, "reference.dtd", idOf(topic), lang);
+    writer.element("title", titleOf(topic));
+    writer.start("titlealts");
+    writer.element("navtitle", translated(item.uiShortName()));
     writer.end();
     QString summary = editor ? editor->shortDescription() : QString();
     if (summary.isEmpty()) {
@@ -495,18 +547,18 @@ bool COdictExportDocPrivate::writeObject(int topic)
             ? label(L_SUB_SHORTDESC).arg(object.name(), hex(object.id(), 4), hex(object.subId(), 2))
             : label(L_OBJECT_SHORTDESC).arg(object.name(), hex(object.id(), 4));
     }
-    writer.element(QStringLiteral("shortdesc"), summary);
+    writer.element("shortdesc", summary);
 
-    writer.start(QStringLiteral("refbody"));
+    writer.start("refbody");
     const QString description = editor ? editor->description() : QString();
     if (!description.trimmed().isEmpty()) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("description"));
-        writer.element(QStringLiteral("title"), label(L_DESCRIPTION));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("description"));
+        writer.element("title", label(L_DESCRIPTION));
         // One paragraph per line of the text.
         for (const QString &line : description.split(QLatin1Char('\n'))) {
             if (!line.trimmed().isEmpty())
-                writer.element(QStringLiteral("p"), line.trimmed());
+                writer.element("p", line.trimmed());
         }
         writer.end();
     }
@@ -514,14 +566,14 @@ bool COdictExportDocPrivate::writeObject(int topic)
 
     const COdictObjectEnum *values = object.enumDataPtr();
     if (!values->isEmpty()) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("values"));
-        writer.element(QStringLiteral("title"), label(L_VALUES));
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 4*"));
-        writer.start(QStringLiteral("sthead"));
-        writer.element(QStringLiteral("stentry"), label(L_VALUE));
-        writer.element(QStringLiteral("stentry"), label(L_TEXT));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("values"));
+        writer.element("title", label(L_VALUES));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 4*"));
+        writer.start("sthead");
+        writer.element("stentry", label(L_VALUE));
+        writer.element("stentry", label(L_TEXT));
         writer.end();
         for (const auto &value : values->enums())
             row({QString::number(value.value), translated(value.name)});
@@ -530,14 +582,14 @@ bool COdictExportDocPrivate::writeObject(int topic)
     }
     const COdictObjectBitSet *bits = object.bitSetDataPtr();
     if (!bits->isEmpty()) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("bits"));
-        writer.element(QStringLiteral("title"), label(L_BITS));
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 4*"));
-        writer.start(QStringLiteral("sthead"));
-        writer.element(QStringLiteral("stentry"), label(L_BIT));
-        writer.element(QStringLiteral("stentry"), label(L_TEXT));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("bits"));
+        writer.element("title", label(L_BITS));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 4*"));
+        writer.start("sthead");
+        writer.element("stentry", label(L_BIT));
+        writer.element("stentry", label(L_TEXT));
         writer.end();
         for (const auto &bit : bits->bitSet())
             row({QString::number(bit.pos), translated(bit.name)});
@@ -545,35 +597,35 @@ bool COdictExportDocPrivate::writeObject(int topic)
         writer.end();
     }
     if (entry.end > topic + 1) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("subobjects"));
-        writer.element(QStringLiteral("title"), label(L_SUB_OBJECTS));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("subobjects"));
+        writer.element("title", label(L_SUB_OBJECTS));
         writeObjectTable(topic);
         writer.end();
     }
     writer.end(); // refbody
-    return commit(fileOf(topic));
+    return writer.commit();
 }
 
 void COdictExportDocPrivate::writeObjectTable(int topic)
 {
-    writer.start(QStringLiteral("simpletable"));
-    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 1* 2* 3*"));
-    writer.start(QStringLiteral("sthead"));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 1* 2* 3*"));
+    writer.start("sthead");
     for (const int l : {L_ID, L_SUB_ID, L_NAME, L_DISPLAY_NAME})
-        writer.element(QStringLiteral("stentry"), label(l));
+        writer.element("stentry", label(l));
     writer.end();
     for (int i = topic + 1; i < topics.at(topic).end; i = topics.at(i).end) {
         if (topics.at(i).kind == E_TK_GROUP)
             continue;
         const COdictObject &object = *topics.at(i).node->dataRef().objectPtr();
-        writer.start(QStringLiteral("strow"));
-        writer.element(QStringLiteral("stentry"), hex(object.id(), 4));
-        writer.element(QStringLiteral("stentry"), object.isSubObject() ? hex(object.subId(), 2) : QString());
-        writer.start(QStringLiteral("stentry"));
+        writer.start("strow");
+        writer.element("stentry", hex(object.id(), 4));
+        writer.element("stentry", object.isSubObject() ? hex(object.subId(), 2) : QString());
+        writer.start("stentry");
         writer.xref(hrefOf(i), object.name());
         writer.end();
-        writer.element(QStringLiteral("stentry"), titleOf(i));
+        writer.element("stentry", titleOf(i));
         writer.end();
     }
     writer.end();
@@ -581,14 +633,14 @@ void COdictExportDocPrivate::writeObjectTable(int topic)
 
 void COdictExportDocPrivate::writeProperties(const COdictObject &object)
 {
-    writer.start(QStringLiteral("section"));
-    writer.attribute(QStringLiteral("id"), QStringLiteral("properties"));
-    writer.element(QStringLiteral("title"), label(L_PROPERTIES));
-    writer.start(QStringLiteral("simpletable"));
-    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 2*"));
-    writer.start(QStringLiteral("sthead"));
-    writer.element(QStringLiteral("stentry"), label(L_PROPERTY));
-    writer.element(QStringLiteral("stentry"), label(L_VALUE));
+    writer.start("section");
+    writer.attribute("id", QLatin1String("properties"));
+    writer.element("title", label(L_PROPERTIES));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 2*"));
+    writer.start("sthead");
+    writer.element("stentry", label(L_PROPERTY));
+    writer.element("stentry", label(L_VALUE));
     writer.end();
 
     row({label(L_NAME), object.name()});
