@@ -287,13 +287,15 @@ private slots:
     void refusesWhatCannotBeWritten_data()
     {
         QTest::addColumn<QString>("blocker");
-        QTest::addColumn<QString>("kind"); // of the blocker: file, directory or fifo
+        QTest::addColumn<QString>("kind"); // of the blocker: file, directory, fifo, or link to a FIFO
         QTest::addColumn<QString>("target");
         QTest::newRow("directory is a file") << QStringLiteral("package") << QStringLiteral("file") << QStringLiteral("package");
         QTest::newRow("parent is a file") << QStringLiteral("package") << QStringLiteral("file") << QStringLiteral("package/doc");
         QTest::newRow("topic is a directory")
             << QStringLiteral("package/obj_0011.dita") << QStringLiteral("directory") << QStringLiteral("package");
         QTest::newRow("topic is a FIFO") << QStringLiteral("package/obj_0011.dita") << QStringLiteral("fifo") << QStringLiteral("package");
+        QTest::newRow("topic is a link to a FIFO")
+            << QStringLiteral("package/obj_0011.dita") << QStringLiteral("link") << QStringLiteral("package");
     }
 
     void refusesWhatCannotBeWritten()
@@ -308,6 +310,10 @@ private slots:
             QVERIFY(QDir().mkpath(blockerPath + QStringLiteral("/x")));
         } else if (kind == QLatin1String("fifo")) {
             QCOMPARE(::mkfifo(QFile::encodeName(blockerPath).constData(), 0600), 0);
+        } else if (kind == QLatin1String("link")) {
+            const QString fifo = dir.filePath(QStringLiteral("fifo"));
+            QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+            QVERIFY(QFile::link(fifo, blockerPath));
         } else {
             QFile file(blockerPath);
             QVERIFY(file.open(QIODevice::WriteOnly));
@@ -318,7 +324,7 @@ private slots:
         // file, no temporary one.
         struct stat status;
         QCOMPARE(::stat(QFile::encodeName(blockerPath).constData(), &status), 0);
-        QCOMPARE(S_ISFIFO(status.st_mode), kind == QLatin1String("fifo"));
+        QCOMPARE(S_ISFIFO(status.st_mode), kind == QLatin1String("fifo") || kind == QLatin1String("link"));
         QCOMPARE(S_ISDIR(status.st_mode), kind == QLatin1String("directory"));
         QDirIterator it(dir.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
         while (it.hasNext()) {

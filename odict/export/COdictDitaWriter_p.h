@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
 #include <QVarLengthArray>
+
+#include <cstring>
 
 /// Builds the DITA files of one package, one after the other, as UTF-8 in one reused buffer and
 /// puts each in place atomically inside one directory. The bytes are those QXmlStreamWriter
@@ -49,13 +52,31 @@ public:
     static QString clean(const QString &text);
 
 private:
+    /// Room for \a size more bytes; the pointer to write them to.
+    char *room(int size)
+    {
+        if (m_used + size > m_out.size())
+            grow(size);
+        return m_out.data() + m_used;
+    }
+    void grow(int size);
+    void append(const char *text, int size)
+    {
+        std::memcpy(room(size), text, size_t(size));
+        m_used += size;
+    }
+    void append(const char *text) { append(text, int(std::strlen(text))); }
+    void append(char c)
+    {
+        *room(1) = c;
+        ++m_used;
+    }
     /// Ends a start tag that is still open, before content or another element.
     void closeStartTag();
     /// Appends \a text escaped and encoded; in attribute values tab, line feed and carriage
     /// return become character references, as elsewhere they would be normalised to blanks.
     void appendEscaped(const QString &text, bool inAttribute);
     void appendEscaped(QLatin1String text, bool inAttribute);
-    void appendName(const char *name) { m_out.append(name); }
     /// Writes the buffer to the partial file beside the target once it has grown large, so that
     /// a large file (the map lists every topic) never needs a buffer of its size.
     void spill();
@@ -64,7 +85,10 @@ private:
     /// Removes the partial file, if any.
     void discard();
 
-    QByteArray m_out;                        ///< the file being built; its capacity is kept
+    /// The file being built: its first m_used bytes. Its size is the room there is, kept from
+    /// file to file; the bytes are appended without a call into QByteArray each.
+    QByteArray m_out;
+    int m_used = 0;
     QVarLengthArray<const char *, 32> m_open; ///< names of the open elements
     bool m_startTagOpen = false;
     QByteArray m_fileName;                   ///< the file being built, inside the directory
@@ -73,6 +97,9 @@ private:
 #ifdef Q_OS_UNIX
     int m_directory = -1;                    ///< descriptor of the package directory
     int m_file = -1;                         ///< descriptor of the partial file, once opened
+    /// Names in the directory that are no regular file (directories, FIFOs, devices, links to
+    /// them), found when it was opened: never replaced.
+    QSet<QByteArray> m_refused;
 #else
     QString m_directory;
 #endif
