@@ -283,6 +283,46 @@ void COdictDitaWriter::xref(QLatin1String href, const QString &text)
     append("</xref>");
 }
 
+void COdictDitaWriter::elementBytes(const char *name, const QByteArray &bytes)
+{
+    closeStartTag();
+    append('<');
+    append(name);
+    append('>');
+    append(bytes.constData(), bytes.size());
+    append("</");
+    append(name);
+    append('>');
+}
+
+void COdictDitaWriter::elementHex(const char *name, quint64 value, int width)
+{
+    char digits[16];
+    int count = 0;
+    do {
+        digits[count++] = "0123456789ABCDEF"[value & 0xF];
+        value >>= 4;
+    } while (value != 0);
+    closeStartTag();
+    append('<');
+    append(name);
+    append(">0x", 3);
+    for (int i = count; i < width; ++i)
+        append('0');
+    while (count > 0)
+        append(digits[--count]);
+    append("</");
+    append(name);
+    append('>');
+}
+
+QByteArray COdictDitaWriter::escaped(const QString &text)
+{
+    COdictDitaWriter writer;
+    writer.appendEscaped(text, false);
+    return QByteArray(writer.m_out.constData(), writer.m_used);
+}
+
 namespace {
 
 /// The escape of an ASCII character, or null when it stands for itself. \a skip is set for the

@@ -46,6 +46,13 @@ public:
     void emptyElement(const char *name, const char *attribute, const QString &value);
     /// A cross reference to \a href showing \a text.
     void xref(QLatin1String href, const QString &text);
+    /// An element holding \a bytes: UTF-8 that needs no escape (see escaped()).
+    void elementBytes(const char *name, const QByteArray &bytes);
+    /// An element holding "0x" and \a value in at least \a width upper-case hexadecimal digits.
+    void elementHex(const char *name, quint64 value, int width);
+
+    /// \a text as element content: without what XML 1.0 cannot carry, escaped, in UTF-8.
+    static QByteArray escaped(const QString &text);
 
     /// \a text without the characters XML 1.0 cannot carry (control characters other than tab,
     /// line feed and carriage return, U+FFFE, U+FFFF, unpaired surrogates).

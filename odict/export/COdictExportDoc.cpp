@@ -207,8 +207,11 @@ bool COdictExportDocPrivate::exportToPackage(const QString &outputDirectory)
     lang = odict ? languageTag(odict->language()) : QStringLiteral("en");
     meta = odict ? odict->odictMetaData() : CXMLMetaData();
     labels.clear();
-    for (const char *text : labelTexts)
+    escapedLabels.clear();
+    for (const char *text : labelTexts) {
         labels << QCoreApplication::translate("COdictExportDoc", text);
+        escapedLabels << COdictDitaWriter::escaped(labels.last());
+    }
     plan();
 
     bool written = QDir().mkpath(outputDirectory) && writer.open(outputDirectory) && writeMap() && writeFrontPage();
@@ -344,6 +347,22 @@ QString COdictExportDocPrivate::titleOf(int topic) const
     return title.isEmpty() ? QString(idOf(topic)) : title;
 }
 
+void COdictExportDocPrivate::row(int label, const QString &value)
+{
+    writer.start("strow");
+    headCell(label);
+    writer.element("stentry", value);
+    writer.end();
+}
+
+void COdictExportDocPrivate::hexRow(int label, quint64 value, int width)
+{
+    writer.start("strow");
+    headCell(label);
+    writer.elementHex("stentry", value, width);
+    writer.end();
+}
+
 void COdictExportDocPrivate::row(std::initializer_list<QString> cells)
 {
     writer.start("strow");
@@ -431,18 +450,18 @@ bool COdictExportDocPrivate::writeFrontPage()
     writer.start("simpletable");
     writer.attribute("relcolwidth", QLatin1String("1* 3*"));
     writer.start("sthead");
-    writer.element("stentry", label(L_PROPERTY));
-    writer.element("stentry", label(L_VALUE));
+    headCell(L_PROPERTY);
+    headCell(L_VALUE);
     writer.end();
-    row({label(L_NAME), odictName});
-    row({label(L_VERSION), version});
-    row({label(L_DATE), isoDate(meta.date())});
-    row({label(L_AUTHOR), meta.author()});
-    row({label(L_COMMENT), meta.comment()});
-    row({label(L_GROUPS), QString::number(groupTopics)});
-    row({label(L_OBJECTS), QString::number(objectTopics)});
-    row({label(L_SUB_OBJECTS), QString::number(subObjectTopics)});
-    row({label(L_EXPORTED), isoDate(exportDate())});
+    row(L_NAME, odictName);
+    row(L_VERSION, version);
+    row(L_DATE, isoDate(meta.date()));
+    row(L_AUTHOR, meta.author());
+    row(L_COMMENT, meta.comment());
+    row(L_GROUPS, QString::number(groupTopics));
+    row(L_OBJECTS, QString::number(objectTopics));
+    row(L_SUB_OBJECTS, QString::number(subObjectTopics));
+    row(L_EXPORTED, isoDate(exportDate()));
     writer.end();
 
     writer.start("section");
@@ -456,7 +475,7 @@ bool COdictExportDocPrivate::writeFrontPage()
         writer.attribute("relcolwidth", QLatin1String("1* 1* 1* 2* 4*"));
         writer.start("sthead");
         for (const int l : {L_VERSION, L_DATE, L_TIME, L_AUTHOR, L_COMMENT})
-            writer.element("stentry", label(l));
+            headCell(l);
         writer.end();
         for (int i = 0; i < history.size(); ++i) {
             const CXMLMetaData record = history.at(i);
@@ -481,7 +500,7 @@ bool COdictExportDocPrivate::writeFrontPage()
         writer.attribute("relcolwidth", QLatin1String("1* 2* 2* 4* 4*"));
         writer.start("sthead");
         for (const int l : {L_ID, L_NAME, L_DISPLAY_NAME, L_DESCRIPTION, L_MEMBERS})
-            writer.element("stentry", label(l));
+            headCell(l);
         writer.end();
         for (const auto &structure : structures) {
             QStringList members;
@@ -536,10 +555,19 @@ bool COdictExportDocPrivate::writeObject(int topic)
     const COdictObject &object = *item.objectPtr();
     const COdictEditorObject *editor = item.toEditorObjectPtr();
 
+    // The object's display names, translated once: the title and the navigation title show the
+    // same texts unless they fall back to the name or the display name.
+    const QString uiName = object.uiName();
+    const QString uiShortName = object.uiShortName();
+    const QString displayName = translated(uiName);
+    const QString shortName = translated(uiShortName);
+    QString title = uiName.isEmpty() ? titleOf(topic) : displayName;
+    if (title.isEmpty())
+        title = QString(idOf(topic));
     writer.begin(fileOf(topic), "reference", referenceId, "reference.dtd", idOf(topic), lang);
-    writer.element("title", titleOf(topic));
+    writer.element("title", title);
     writer.start("titlealts");
-    writer.element("navtitle", translated(item.uiShortName()));
+    writer.element("navtitle", uiShortName.isEmpty() ? translated(item.uiShortName()) : shortName);
     writer.end();
     QString summary = editor ? editor->shortDescription() : QString();
     if (summary.isEmpty()) {
@@ -562,7 +590,7 @@ bool COdictExportDocPrivate::writeObject(int topic)
         }
         writer.end();
     }
-    writeProperties(object);
+    writeProperties(object, displayName, shortName);
 
     const COdictObjectEnum *values = object.enumDataPtr();
     if (!values->isEmpty()) {
@@ -572,8 +600,8 @@ bool COdictExportDocPrivate::writeObject(int topic)
         writer.start("simpletable");
         writer.attribute("relcolwidth", QLatin1String("1* 4*"));
         writer.start("sthead");
-        writer.element("stentry", label(L_VALUE));
-        writer.element("stentry", label(L_TEXT));
+        headCell(L_VALUE);
+        headCell(L_TEXT);
         writer.end();
         for (const auto &value : values->enums())
             row({QString::number(value.value), translated(value.name)});
@@ -588,8 +616,8 @@ bool COdictExportDocPrivate::writeObject(int topic)
         writer.start("simpletable");
         writer.attribute("relcolwidth", QLatin1String("1* 4*"));
         writer.start("sthead");
-        writer.element("stentry", label(L_BIT));
-        writer.element("stentry", label(L_TEXT));
+        headCell(L_BIT);
+        headCell(L_TEXT);
         writer.end();
         for (const auto &bit : bits->bitSet())
             row({QString::number(bit.pos), translated(bit.name)});
@@ -613,15 +641,18 @@ void COdictExportDocPrivate::writeObjectTable(int topic)
     writer.attribute("relcolwidth", QLatin1String("1* 1* 2* 3*"));
     writer.start("sthead");
     for (const int l : {L_ID, L_SUB_ID, L_NAME, L_DISPLAY_NAME})
-        writer.element("stentry", label(l));
+        headCell(l);
     writer.end();
     for (int i = topic + 1; i < topics.at(topic).end; i = topics.at(i).end) {
         if (topics.at(i).kind == E_TK_GROUP)
             continue;
         const COdictObject &object = *topics.at(i).node->dataRef().objectPtr();
         writer.start("strow");
-        writer.element("stentry", hex(object.id(), 4));
-        writer.element("stentry", object.isSubObject() ? hex(object.subId(), 2) : QString());
+        writer.elementHex("stentry", object.id(), 4);
+        if (object.isSubObject())
+            writer.elementHex("stentry", object.subId(), 2);
+        else
+            writer.elementBytes("stentry", QByteArray());
         writer.start("stentry");
         writer.xref(hrefOf(i), object.name());
         writer.end();
@@ -631,7 +662,8 @@ void COdictExportDocPrivate::writeObjectTable(int topic)
     writer.end();
 }
 
-void COdictExportDocPrivate::writeProperties(const COdictObject &object)
+void COdictExportDocPrivate::writeProperties(const COdictObject &object, const QString &displayName,
+                                             const QString &shortName)
 {
     writer.start("section");
     writer.attribute("id", QLatin1String("properties"));
@@ -639,23 +671,23 @@ void COdictExportDocPrivate::writeProperties(const COdictObject &object)
     writer.start("simpletable");
     writer.attribute("relcolwidth", QLatin1String("1* 2*"));
     writer.start("sthead");
-    writer.element("stentry", label(L_PROPERTY));
-    writer.element("stentry", label(L_VALUE));
+    headCell(L_PROPERTY);
+    headCell(L_VALUE);
     writer.end();
 
-    row({label(L_NAME), object.name()});
-    row({label(L_DISPLAY_NAME), translated(object.uiName())});
-    row({label(L_SHORT_NAME), translated(object.uiShortName())});
-    row({label(L_ID), hex(object.id(), 4)});
+    row(L_NAME, object.name());
+    row(L_DISPLAY_NAME, displayName);
+    row(L_SHORT_NAME, shortName);
+    hexRow(L_ID, object.id(), 4);
     // Files write 0 for "no DS402 number" as often as the library's 0xFFFFFFFF.
     if (object.ds402Id() != 0 && object.ds402Id() != COdictObject::NoId)
-        row({label(L_DS402_INDEX), hex(object.ds402Id(), 4)});
+        hexRow(L_DS402_INDEX, object.ds402Id(), 4);
     if (object.isSubObject())
-        row({label(L_SUB_ID), hex(object.subId(), 2)});
-    row({label(L_DATA_TYPE), CDataTypeParser::typeToStr(object.dataType())});
-    row({label(L_SIZE), QString::number(object.dataSize())});
+        hexRow(L_SUB_ID, object.subId(), 2);
+    row(L_DATA_TYPE, CDataTypeParser::typeToStr(object.dataType()));
+    row(L_SIZE, QString::number(object.dataSize()));
     if (object.arrayLength() > 1)
-        row({label(L_ELEMENTS), QString::number(object.arrayLength())});
+        row(L_ELEMENTS, QString::number(object.arrayLength()));
 
     // Two bits per access path: the even one allows writing, the odd one reading.
     const unsigned int rights = object.accessRights();
@@ -667,7 +699,7 @@ void COdictExportDocPrivate::writeProperties(const COdictObject &object)
         if (read || write)
             paths << label(read && write ? L_READ_WRITE : read ? L_READ : L_WRITE).arg(label(pathLabels[p]));
     }
-    row({label(L_ACCESS_RIGHTS), hex(rights, 8) + (paths.isEmpty() ? QString() : QStringLiteral(": ") + paths.join(QStringLiteral(", ")))});
+    row(L_ACCESS_RIGHTS, hex(rights, 8) + (paths.isEmpty() ? QString() : QStringLiteral(": ") + paths.join(QStringLiteral(", "))));
 
     int usage = L_USAGE_NONE;
     switch (object.baseObjectUsage()) {
@@ -677,21 +709,21 @@ void COdictExportDocPrivate::writeProperties(const COdictObject &object)
     case NkrOdict::E_OU_OBJECT: usage = L_USAGE_OBJECT; break;
     default: break;
     }
-    row({label(L_USAGE), label(usage) + QStringLiteral(" (") + hex(object.objectUsage(), 2) + QLatin1Char(')')});
+    row(L_USAGE, label(usage) + QStringLiteral(" (") + hex(object.objectUsage(), 2) + QLatin1Char(')'));
 
     const auto level = [this](unsigned int value) {
         const QString number = QString::number(value);
         return value <= NkrUserLevel::E_UL_DEVELOPER ? label(L_LEVEL_NONE + int(value)) + QStringLiteral(" (") + number + QLatin1Char(')')
                                                       : number;
     };
-    row({label(L_LEVEL_READ), level(object.userlevelRead())});
-    row({label(L_LEVEL_WRITE), level(object.userlevelWrite())});
-    row({label(L_LEVEL_VISIBLE), level(object.userlevelVisible())});
-    row({label(L_MINIMUM), object.minValueAsStr()});
-    row({label(L_MAXIMUM), object.maxValueAsStr()});
-    row({label(L_DEFAULT), object.defaultValueAsStr()});
-    row({label(L_UNIT), object.unitText()});
-    row({label(L_DIGITS), object.digits() >= 0 ? QString::number(object.digits()) : QString()});
+    row(L_LEVEL_READ, level(object.userlevelRead()));
+    row(L_LEVEL_WRITE, level(object.userlevelWrite()));
+    row(L_LEVEL_VISIBLE, level(object.userlevelVisible()));
+    row(L_MINIMUM, object.minValueAsStr());
+    row(L_MAXIMUM, object.maxValueAsStr());
+    row(L_DEFAULT, object.defaultValueAsStr());
+    row(L_UNIT, object.unitText());
+    row(L_DIGITS, object.digits() >= 0 ? QString::number(object.digits()) : QString());
     writer.end(); // simpletable
     writer.end(); // section
 }

@@ -49,11 +49,18 @@ private:
     bool writeFrontPage();
     bool writeGroup(int topic);
     bool writeObject(int topic);
-    void writeProperties(const COdictObject &object);
+    /// The properties table; \a displayName and \a shortName are the translated display names.
+    void writeProperties(const COdictObject &object, const QString &displayName, const QString &shortName);
     /// A table of the objects among the direct children of \a topic, each linked to its topic.
     void writeObjectTable(int topic);
     /// One table row with a cell per text (a list on the stack: rows are the most frequent call).
     void row(std::initializer_list<QString> cells);
+    /// A row of a property table: the fixed text \a label, then \a value.
+    void row(int label, const QString &value);
+    /// A row of a property table whose value is "0x" and \a width or more hexadecimal digits.
+    void hexRow(int label, quint64 value, int width);
+    /// A heading cell showing the fixed text \a label.
+    void headCell(int label) { writer.elementBytes("stentry", escapedLabels.at(label)); }
     /// The translated fixed text \a label (an eLabel_t of the implementation).
     const QString &label(int label) const { return labels.at(label); }
 
@@ -68,6 +75,7 @@ private:
     int objectTopics = 0;
     int subObjectTopics = 0;
     QStringList labels;     ///< the fixed texts, translated once per export
+    QVector<QByteArray> escapedLabels; ///< the same as element content, escaped once per export
     QByteArray href;        ///< hrefOf()'s result
     COdictDitaWriter writer;
 };
