@@ -122,14 +122,16 @@ bool COdictDitaWriter::commit()
 #ifdef Q_OS_UNIX
     bool written = m_directory >= 0 && !m_refused.contains(m_fileName) && writeOut();
     if (m_file >= 0) {
-        written = ::close(m_file) == 0 && written;
+        const int file = m_file;
         m_file = -1;
+        written = ::close(file) == 0 && written;
+        if (written && ::renameat(m_directory, m_partial.constData(), m_directory, m_fileName.constData()) == 0) {
+            m_partial.clear();
+            return true;
+        }
+        ::unlinkat(m_directory, m_partial.constData(), 0);
     }
-    if (written && ::renameat(m_directory, m_partial.constData(), m_directory, m_fileName.constData()) == 0) {
-        m_partial.clear();
-        return true;
-    }
-    discard();
+    m_partial.clear();
     return false;
 #else
     const QString target = QDir(m_directory).filePath(QFile::decodeName(m_fileName));
@@ -192,9 +194,9 @@ void COdictDitaWriter::discard()
     if (m_file >= 0) {
         ::close(m_file);
         m_file = -1;
-    }
-    if (!m_partial.isEmpty() && m_directory >= 0)
+        // Only a partial file this writer created is removed, never one that was there.
         ::unlinkat(m_directory, m_partial.constData(), 0);
+    }
 #endif
     m_partial.clear();
 }

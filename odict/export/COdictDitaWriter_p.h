@@ -59,6 +59,8 @@ public:
     static QString clean(const QString &text);
 
 private:
+    Q_DISABLE_COPY(COdictDitaWriter) // owns descriptors
+
     /// Room for \a size more bytes; the pointer to write them to.
     char *room(int size)
     {
@@ -89,7 +91,7 @@ private:
     void spill();
     /// Writes and empties the buffer, opening the partial file first; false when that fails.
     bool writeOut();
-    /// Removes the partial file, if any.
+    /// Closes and removes the partial file this writer opened, if any.
     void discard();
 
     /// The file being built: its first m_used bytes. Its size is the room there is, kept from
