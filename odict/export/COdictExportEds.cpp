@@ -163,7 +163,8 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
         out << QStringLiteral("Dummy%1=%2").arg(type, 4, 10, QLatin1Char('0')).arg(type == 1 ? 0 : 1);
     out << QString();
 
-    const int commentCount = 1 + (valueTextCount > 0 ? valueTextCount + 1 : 0) + (leftOutEnds.isEmpty() ? 0 : leftOutEnds.size() + 1);
+    const int commentCount = 1 + (valueTextCount > 0 ? valueTextCount + 1 : 0)
+        + (leftOutEnds.isEmpty() ? 0 : leftOutEnds.size() + 1);
     int line = 0;
     const auto comment = [&out, &line](const QString &text) { out << QStringLiteral("Line%1=").arg(++line) + text; };
     out << QStringLiteral("[Comments]") << QStringLiteral("Lines=%1").arg(commentCount);
