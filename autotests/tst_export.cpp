@@ -1,5 +1,6 @@
 #include "COdictEdit.h"
 #include "COdictEditorObject.h"
+#include "COdictExportEds.h"
 #include "COdictExportFile.h"
 #include "COdictExportObjectIds.h"
 #include "COdictExportTranslation.h"
@@ -356,19 +357,74 @@ private slots:
                                                     QStringLiteral("        //! Interne Konstante für eine undefinierte Objekt-ID")}));
     }
 
+    void farObjectKeepsTablesSmall_data()
+    {
+        QTest::addColumn<uint>("far");
+        QTest::addColumn<QString>("lookup");
+        QTest::newRow("0x7FFFFFF0") << 0x7FFFFFF0u << QStringLiteral("    0x7ffffff0     // Far");
+        QTest::newRow("0xFFFFFFF0") << 0xFFFFFFF0u << QStringLiteral("    0xfffffff0     // Far");
+    }
+
+    // Only the two tables indexed by number visit every number of their range; every other part
+    // of each file walks the objects that exist, so a sparse dictionary gives small files fast.
     void farObjectKeepsTablesSmall()
     {
+        QFETCH(uint, far);
+        QFETCH(QString, lookup);
+
         const std::unique_ptr<COdictEdit> dict =
-            build(QStringLiteral("Far"), 0, {{0, 'O', 3, QStringLiteral("Near")}, {0, 'O', 0x7FFFFFF0, QStringLiteral("Far")}});
+            build(QStringLiteral("Far"), 0, {{0, 'O', 0, QStringLiteral("Zero")}, {0, 'O', 3, QStringLiteral("Near")},
+                                             {0, 'O', far, QStringLiteral("Far")}});
         const QStringList lines = exportLines(E_HEADER, dict);
 
         QCOMPARE(block(lines, objectTable).size(), 2 + 4 + 1);
         // Every number of the DS402 range lies below the object-number count: 256 placeholders.
         QCOMPARE(block(lines, ds402Table).size(), 2 + 256 + 1);
-        QCOMPARE(block(lines, ds301Lookup).mid(1),
-                 (QStringList{QStringLiteral("{"), QStringLiteral("    0x7ffffff0     // Far"), QStringLiteral("};")}));
+        QCOMPARE(block(lines, ds301Lookup).mid(1), (QStringList{QStringLiteral("{"), lookup, QStringLiteral("};")}));
         QVERIFY(lines.size() < 400);
         QVERIFY(exportLines(E_ENUM, dict).size() < 100);
+        QVERIFY(exportLines(E_TRANSLATION, dict).size() < 100);
+    }
+
+    void progressEndsAtItsTotal_data()
+    {
+        QTest::addColumn<QString>("exporter");
+        for (const char *name : {"header", "ids", "translation", "eds"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+
+    // The exporters write while they walk the objects, so the total is fixed before the first
+    // line: the count climbs to it by itself and never past it.
+    void progressEndsAtItsTotal()
+    {
+        QFETCH(QString, exporter);
+
+        const std::unique_ptr<COdictEdit> dict = demoDictionary(QStringLiteral("Speed"));
+        QList<QPair<qint64, qint64>> calls;
+        dict->setProgressCallback([&calls](qint64 done, qint64 total) { calls.append({done, total}); });
+        QTemporaryDir dir;
+        bool written = false;
+        if (exporter == QLatin1String("header"))
+            written = COdictExportFile(dict.get()).exportToHeaderfile(dir.filePath(QStringLiteral("demo.h")));
+        else if (exporter == QLatin1String("ids"))
+            written = COdictExportObjectIds(dict.get()).exportToEnum(dir.path());
+        else if (exporter == QLatin1String("translation"))
+            written = COdictExportTranslation(dict.get()).exportToTranslate(dir.path());
+        else
+            written = COdictExportEds(dict.get()).exportToEds(dir.filePath(QStringLiteral("demo.eds")));
+        QVERIFY(written);
+
+        // A small total reports every step, the last one just before the final report.
+        QVERIFY(calls.size() >= 3);
+        const qint64 total = calls.first().second;
+        QVERIFY(total > 0 && total < 100);
+        for (int i = 0; i < calls.size(); ++i) {
+            QCOMPARE(calls.at(i).second, total);
+            QVERIFY2(calls.at(i).first <= total, qPrintable(QString::number(calls.at(i).first)));
+            QVERIFY(i == 0 || calls.at(i).first >= calls.at(i - 1).first);
+        }
+        QCOMPARE(calls.at(calls.size() - 2).first, total);
+        QCOMPARE(calls.last(), qMakePair(total, total));
     }
 
     void failedWriteKeepsOldFile_data()

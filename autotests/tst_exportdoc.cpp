@@ -12,9 +12,11 @@
 #include <QThread>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
+#include <QXmlStreamWriter>
 #include <QtTest>
 
 #include <memory>
+#include <sys/stat.h>
 
 namespace {
 
@@ -285,32 +287,95 @@ private slots:
     void refusesWhatCannotBeWritten_data()
     {
         QTest::addColumn<QString>("blocker");
+        QTest::addColumn<QString>("kind"); // of the blocker: file, directory, fifo, or link to a FIFO
         QTest::addColumn<QString>("target");
-        QTest::newRow("directory is a file") << QStringLiteral("package") << QStringLiteral("package");
-        QTest::newRow("parent is a file") << QStringLiteral("package") << QStringLiteral("package/doc");
-        QTest::newRow("topic is a directory") << QStringLiteral("package/obj_0011.dita/x") << QStringLiteral("package");
+        QTest::newRow("directory is a file") << QStringLiteral("package") << QStringLiteral("file") << QStringLiteral("package");
+        QTest::newRow("parent is a file") << QStringLiteral("package") << QStringLiteral("file") << QStringLiteral("package/doc");
+        QTest::newRow("topic is a directory")
+            << QStringLiteral("package/obj_0011.dita") << QStringLiteral("directory") << QStringLiteral("package");
+        QTest::newRow("topic is a FIFO") << QStringLiteral("package/obj_0011.dita") << QStringLiteral("fifo") << QStringLiteral("package");
+        QTest::newRow("topic is a link to a FIFO")
+            << QStringLiteral("package/obj_0011.dita") << QStringLiteral("link") << QStringLiteral("package");
     }
 
     void refusesWhatCannotBeWritten()
     {
         QFETCH(QString, blocker);
+        QFETCH(QString, kind);
         QFETCH(QString, target);
         QTemporaryDir dir;
         const QString blockerPath = dir.filePath(blocker);
-        if (blocker.endsWith(QLatin1String("/x"))) {
-            QVERIFY(QDir().mkpath(blockerPath));
+        QVERIFY(QDir().mkpath(QFileInfo(blockerPath).absolutePath()));
+        if (kind == QLatin1String("directory")) {
+            QVERIFY(QDir().mkpath(blockerPath + QStringLiteral("/x")));
+        } else if (kind == QLatin1String("fifo")) {
+            QCOMPARE(::mkfifo(QFile::encodeName(blockerPath).constData(), 0600), 0);
+        } else if (kind == QLatin1String("link")) {
+            const QString fifo = dir.filePath(QStringLiteral("fifo"));
+            QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+            QVERIFY(QFile::link(fifo, blockerPath));
         } else {
             QFile file(blockerPath);
             QVERIFY(file.open(QIODevice::WriteOnly));
         }
         COdictExportDoc exporter(m_smallDict.get());
         QVERIFY(!exporter.exportToPackage(dir.filePath(target)));
-        // Nothing half-written is left behind: no partial file, no temporary one.
+        // The blocker is still what it was, and nothing half-written is left behind: no partial
+        // file, no temporary one.
+        struct stat status;
+        QCOMPARE(::stat(QFile::encodeName(blockerPath).constData(), &status), 0);
+        QCOMPARE(S_ISFIFO(status.st_mode), kind == QLatin1String("fifo") || kind == QLatin1String("link"));
+        QCOMPARE(S_ISDIR(status.st_mode), kind == QLatin1String("directory"));
         QDirIterator it(dir.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
         while (it.hasNext()) {
             const QString name = QFileInfo(it.next()).fileName();
             QVERIFY2(!name.endsWith(QLatin1String(".part")) && !name.startsWith(QLatin1Char('.')), qPrintable(name));
         }
+    }
+
+    void textsAreEscapedAsQXmlStreamWriterDoes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("written"); // what is left of the text for XML 1.0
+        const QString markup = QStringLiteral("a <b> & \"c\" 'd' ]]>");
+        const QString space = QStringLiteral("tab\there\r\nnext line");
+        const QString wide = QStringLiteral("Ger\u00e4t \u2013 \u00bd \u20ac, clef ") + QString::fromUcs4(U"\U0001D11E\U0001F600");
+        QTest::newRow("markup") << markup << markup;
+        QTest::newRow("white space") << space << space;
+        QTest::newRow("outside ASCII and the BMP") << wide << wide;
+        QTest::newRow("what XML cannot carry")
+            << QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b\x01\x1f") + QChar(0xFFFF) + QChar(0xDC00) + QStringLiteral("c")
+            << QStringLiteral("abc");
+    }
+
+    // The package's bytes were once written by QXmlStreamWriter; the writer that replaced it
+    // must escape and encode every text the same way.
+    void textsAreEscapedAsQXmlStreamWriterDoes()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, written);
+
+        COdictEdit dict(NkrOdict::E_OT_EDITOR);
+        COdictObjectTree *tree = dict.objectTree();
+        COdictNode *top = tree->createDictionaryNode(QStringLiteral("Texts"));
+        tree->rootNode()->appendChild(top);
+        COdictEditorObject object;
+        object.setId(1);
+        object.setName(QStringLiteral("TEXT"));
+        object.setUiName(text);
+        object.setDataType(NTypes::E_U16);
+        object.setDataSize(2);
+        bool ok = false;
+        top->appendChild(tree->createObjectNode(object, NkrOdict::E_IT_OBJECT, &ok));
+        QVERIFY(ok);
+        QTemporaryDir dir;
+        QVERIFY(COdictExportDoc(&dict).exportToPackage(dir.path()));
+
+        QString expected;
+        QXmlStreamWriter xml(&expected);
+        xml.writeTextElement(QStringLiteral("title"), written);
+        const QByteArray topic = readFile(dir.filePath(QStringLiteral("obj_0001.dita")));
+        QVERIFY2(topic.contains(expected.toUtf8()), topic.constData());
     }
 
     void exportReplacesAnOlderPackage()

@@ -5,6 +5,8 @@
 #include "COdict.h"
 #include "COdictDataFile.h"
 #include "COdictEdit.h"
+#include "COdictExportEds.h"
+#include "COdictExportFile.h"
 #include "COdictExportObjectIds.h"
 #include "CXmlAbstractKiroFile.h"
 #include "CXmlInputCheck.h"
@@ -465,6 +467,8 @@ private slots:
         QVERIFY(!head.save(target));
         COdictExportObjectIds exporter(&dict);
         QVERIFY(!exporter.exportToEnum(dir.path()));
+        QVERIFY(!COdictExportFile(&dict).exportToHeaderfile(target));
+        QVERIFY(!COdictExportEds(&dict).exportToEds(target));
 
         struct stat after;
         QCOMPARE(::stat(QFile::encodeName(target).constData(), &after), 0);

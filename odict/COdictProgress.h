@@ -5,7 +5,7 @@
 #include <functional>
 
 /// Receives the progress of a long operation: \a done of \a total units (bytes read when
-/// loading, objects written when saving, lines written when exporting). Called from the
+/// loading, objects written when saving, objects written per file section when exporting). Called from the
 /// operation's own thread; \a done reaches \a total when the work is complete.
 using COdictProgressCallback = std::function<void(qint64 done, qint64 total)>;
 

@@ -3,11 +3,9 @@
 #include "COdict.h"
 #include "COdictEditorObject.h"
 #include "COdictObjectTree.h"
-#include "CSaveFile.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 COdictExportBasePrivate::COdictExportBasePrivate(COdict *odict) : odict(odict) {}
 
@@ -15,7 +13,6 @@ COdictExportBasePrivate::~COdictExportBasePrivate() = default;
 
 void COdictExportBasePrivate::prepare()
 {
-    lines.clear();
     odictName.clear();
     objectCount = 0;
     if (!odict)
@@ -26,85 +23,45 @@ void COdictExportBasePrivate::prepare()
     objectCount = odict->highestId() + 1u;
 }
 
-void COdictExportBasePrivate::fileBanner(const QString &path, const QString &brief)
+COdictProgressCallback COdictExportBasePrivate::progress() const
 {
-    lines << QStringLiteral("/*!") << starLine() << QStringLiteral(" *")
-          << QStringLiteral(" * @file    ") + fileName(path) << QStringLiteral(" *")
-          << QStringLiteral(" * @brief   ") + brief << QStringLiteral(" *")
-          << QStringLiteral(" * @author  obdEditor.exe") << QStringLiteral(" *")
-          << QStringLiteral(" * @version @v{ $Revision: 1.3 $ }") << QStringLiteral(" *")
-          << QStringLiteral(" * @date    ") + exportDate().toString(QStringLiteral("dd.MM.yyyy"))
-          << QStringLiteral(" *") << starLine() << QStringLiteral(" */") << QString();
+    return odict ? odict->progressCallback() : COdictProgressCallback();
 }
 
-void COdictExportBasePrivate::namespaceBanner(const QString &path, const QString &brief)
+void COdictExportBasePrivate::fileBanner(COdictLineSink &out, const QString &path, const QString &brief) const
 {
-    namespaceBanner(path, brief, QStringList());
+    out << QStringLiteral("/*!") << starLine() << QStringLiteral(" *")
+        << QStringLiteral(" * @file    ") + fileName(path) << QStringLiteral(" *")
+        << QStringLiteral(" * @brief   ") + brief << QStringLiteral(" *")
+        << QStringLiteral(" * @author  obdEditor.exe") << QStringLiteral(" *")
+        << QStringLiteral(" * @version @v{ $Revision: 1.3 $ }") << QStringLiteral(" *")
+        << QStringLiteral(" * @date    ") + exportDate().toString(QStringLiteral("dd.MM.yyyy"))
+        << QStringLiteral(" *") << starLine() << QStringLiteral(" */") << QString();
 }
 
-void COdictExportBasePrivate::namespaceBanner(const QString &path, const QString &brief, const QStringList &details)
+void COdictExportBasePrivate::namespaceBanner(COdictLineSink &out, const QString &path, const QString &brief,
+                                              const QStringList &details) const
 {
-    lines << dashLine() << QStringLiteral("/*!") << QStringLiteral(" * @namespace   ") + baseName(path)
-          << QStringLiteral(" *") << QStringLiteral(" * @brief       ") + brief << QStringLiteral(" *");
+    out << dashLine() << QStringLiteral("/*!") << QStringLiteral(" * @namespace   ") + baseName(path)
+        << QStringLiteral(" *") << QStringLiteral(" * @brief       ") + brief << QStringLiteral(" *");
     for (int i = 0; i < details.size(); ++i)
-        lines << (i == 0 ? QStringLiteral(" * @details     ") : QStringLiteral(" *              ")) + details.at(i);
+        out << (i == 0 ? QStringLiteral(" * @details     ") : QStringLiteral(" *              ")) + details.at(i);
     if (!details.isEmpty())
-        lines << QStringLiteral(" *");
-    lines << QStringLiteral(" * @date        ") + exportDate().toString(QStringLiteral("dd.MM.yyyy"))
-          << QStringLiteral(" */") << dashLine() << QString();
+        out << QStringLiteral(" *");
+    out << QStringLiteral(" * @date        ") + exportDate().toString(QStringLiteral("dd.MM.yyyy"))
+        << QStringLiteral(" */") << dashLine() << QString();
 }
 
-void COdictExportBasePrivate::guardOpen(const QString &path)
+void COdictExportBasePrivate::guardOpen(COdictLineSink &out, const QString &path)
 {
     const QString base = baseName(path).toUpper();
-    lines << QStringLiteral("#ifndef ODICT_%1_H_").arg(base) << QStringLiteral("#define ODICT_%1_H_").arg(base)
-          << QString();
+    out << QStringLiteral("#ifndef ODICT_%1_H_").arg(base) << QStringLiteral("#define ODICT_%1_H_").arg(base)
+        << QString();
 }
 
-void COdictExportBasePrivate::guardClose(const QString &path)
+void COdictExportBasePrivate::guardClose(COdictLineSink &out, const QString &path)
 {
-    lines << QStringLiteral("#endif /* ODICT_%1_H_ */").arg(baseName(path).toUpper()) << QString();
-}
-
-bool COdictExportBasePrivate::write(const QString &path) const
-{
-    return writeLines(path, lines, odict ? odict->progressCallback() : COdictProgressCallback());
-}
-
-bool COdictExportBasePrivate::writeLines(const QString &path, const QStringList &lines, const COdictProgressCallback &progress)
-{
-    if (!CSaveFile::checkTarget(path))
-        return false; // a FIFO or device is never replaced by a regular file
-    COdictProgressMeter meter(progress, lines.size());
-    qint64 done = 0;
-
-    // A save file keeps an existing file untouched until the new content is complete. The text is
-    // encoded and written in chunks, so the export never holds a second copy of the whole file.
-    QSaveFile file(path);
-    bool writing = file.open(QIODevice::WriteOnly | QIODevice::Text);
-    const bool opened = writing;
-    constexpr int chunkSize = 256 * 1024;
-    QByteArray chunk("\xEF\xBB\xBF");
-    chunk.reserve(chunkSize + chunkSize / 4);
-    const auto flush = [&file, &chunk, &writing]() {
-        if (writing && file.write(chunk) != chunk.size()) {
-            file.cancelWriting();
-            writing = false;
-        }
-        chunk.resize(0); // keeps the capacity
-    };
-    for (const QString &line : lines) {
-        chunk += line.toUtf8();
-        chunk += '\n';
-        if (chunk.size() >= chunkSize)
-            flush();
-        meter.update(++done);
-    }
-    flush();
-    if (!opened || !CSaveFile::commit(file))
-        return false;
-    meter.finish();
-    return true;
+    out << QStringLiteral("#endif /* ODICT_%1_H_ */").arg(baseName(path).toUpper()) << QString();
 }
 
 QString COdictExportBasePrivate::targetPath(const QString &directory, const QString &fileName)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "COdictLineSink_p.h"
 #include "COdictObjectId.h"
-#include "COdictProgress.h"
 
 #include <QDate>
 #include <QString>
@@ -11,32 +11,26 @@ class COdict;
 class COdictEditorObject;
 
 /// The frame shared by the exporters: the dictionary, its name and object-number count, the
-/// target path and the lines of the file, plus the banner, namespace-banner and guard pieces and
-/// the atomic writer.
+/// target path, the banner, namespace-banner and guard pieces, and the sink the lines go to.
 class COdictExportBasePrivate
 {
 public:
     explicit COdictExportBasePrivate(COdict *odict);
     virtual ~COdictExportBasePrivate();
 
-    /// Empties the lines and reads the dictionary name and the object-number count (highest id
-    /// + 1, wrapping like the 32-bit number it is); an empty name and 0 without a dictionary.
+    /// Reads the dictionary name and the object-number count (highest id + 1, wrapping like the
+    /// 32-bit number it is); an empty name and 0 without a dictionary.
     void prepare();
+    /// The dictionary's progress callback; empty without a dictionary.
+    COdictProgressCallback progress() const;
     /// Documentation banner naming the file, \a brief and the export date ("dd.MM.yyyy").
-    void fileBanner(const QString &path, const QString &brief);
-    /// Namespace banner named after the file's base name.
-    void namespaceBanner(const QString &path, const QString &brief);
-    /// Namespace banner with a details paragraph (left out when \a details is empty).
-    void namespaceBanner(const QString &path, const QString &brief, const QStringList &details);
-    void guardOpen(const QString &path);
-    void guardClose(const QString &path);
-    /// Writes the lines to \a path; false when the file cannot be written.
-    bool write(const QString &path) const;
-
-    /// Writes \a lines atomically as UTF-8 with a byte-order mark, each line followed by a line
-    /// feed (CR LF on Windows). Either the whole file is replaced or nothing changes on disk.
-    /// A FIFO, device or directory at \a path is refused. \a progress gets the lines written.
-    static bool writeLines(const QString &path, const QStringList &lines, const COdictProgressCallback &progress = {});
+    void fileBanner(COdictLineSink &out, const QString &path, const QString &brief) const;
+    /// Namespace banner with a details paragraph (left out when \a details is empty), named
+    /// after the file's base name.
+    void namespaceBanner(COdictLineSink &out, const QString &path, const QString &brief,
+                         const QStringList &details = QStringList()) const;
+    static void guardOpen(COdictLineSink &out, const QString &path);
+    static void guardClose(COdictLineSink &out, const QString &path);
 
     /// The date written into the banners: the one set, else today.
     QDate exportDate() const { return date.isValid() ? date : QDate::currentDate(); }
@@ -63,6 +57,5 @@ public:
     QString odictName;
     quint32 objectCount = 0;
     QString path;
-    QStringList lines;
     QDate date;             ///< invalid: today
 };

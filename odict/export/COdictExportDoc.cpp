@@ -12,15 +12,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QLocale>
-#include <QSet>
+
+#include <cstring>
 
 namespace {
 
-const QString conceptId = QStringLiteral("-//OASIS//DTD DITA 1.2 Concept//EN");
-const QString referenceId = QStringLiteral("-//OASIS//DTD DITA 1.2 Reference//EN");
-const QString bookmapId = QStringLiteral("-//OASIS//DTD DITA 1.2 BookMap//EN");
-const QString frontPage = QStringLiteral("frontpage");
-const QString ditaSuffix = QStringLiteral(".dita");
+const char *const conceptId = "-//OASIS//DTD DITA 1.2 Concept//EN";
+const char *const referenceId = "-//OASIS//DTD DITA 1.2 Reference//EN";
+const char *const bookmapId = "-//OASIS//DTD DITA 1.2 BookMap//EN";
 
 // The fixed texts of the package, translated once per export (context "COdictExportDoc").
 enum eLabel_t {
@@ -120,35 +119,31 @@ QString hex(quint64 value, int width)
 }
 
 /// The topic id of an object: "obj_" and the id in hexadecimal, "_" and the sub-id for a sub-object.
-QString objectTopicId(const COdictObject &object)
+QByteArray objectTopicId(const COdictObject &object)
 {
-    QString id = QStringLiteral("obj_") + QString::number(object.id(), 16).rightJustified(4, QLatin1Char('0'));
+    QByteArray id = "obj_" + QByteArray::number(object.id(), 16).rightJustified(4, '0');
     if (object.isSubObject())
-        id += QLatin1Char('_') + QString::number(object.subId(), 16).rightJustified(2, QLatin1Char('0'));
+        id += '_' + QByteArray::number(object.subId(), 16).rightJustified(2, '0');
     return id;
 }
 
 /// \a text reduced to lower-case ASCII letters, digits and "_": valid in an XML name after a
 /// prefix, and the same file on file systems that ignore case.
-QString nameCharacters(const QString &text)
+QByteArray nameCharacters(const QString &text)
 {
-    QString result = text.toLower();
-    for (QChar &c : result) {
-        const ushort u = c.unicode();
-        if (!((u >= 'a' && u <= 'z') || (u >= '0' && u <= '9')))
-            c = QLatin1Char('_');
+    const QString lower = text.toLower();
+    QByteArray result(lower.size(), '_');
+    for (int i = 0; i < lower.size(); ++i) {
+        const ushort u = lower.at(i).unicode();
+        if ((u >= 'a' && u <= 'z') || (u >= '0' && u <= '9'))
+            result[i] = char(u);
     }
     return result;
 }
 
-/// \a base, or \a base with "_2", "_3", ... when another topic has it already.
-QString uniqueId(const QString &base, QSet<QString> &used)
+uint idHash(const char *id, int size)
 {
-    QString id = base;
-    for (int n = 2; used.contains(id); ++n)
-        id = base + QLatin1Char('_') + QString::number(n);
-    used.insert(id);
-    return id;
+    return qHashBits(id, size_t(size));
 }
 
 /// The dictionary's language as an xml:lang value; the C locale's texts are English.
@@ -209,34 +204,60 @@ QString COdictExportDocPrivate::mapFileName() const
 bool COdictExportDocPrivate::exportToPackage(const QString &outputDirectory)
 {
     prepare();
-    directory = outputDirectory;
     lang = odict ? languageTag(odict->language()) : QStringLiteral("en");
     meta = odict ? odict->odictMetaData() : CXMLMetaData();
     labels.clear();
-    for (const char *text : labelTexts)
+    escapedLabels.clear();
+    for (const char *text : labelTexts) {
         labels << QCoreApplication::translate("COdictExportDoc", text);
+        escapedLabels << COdictDitaWriter::escaped(labels.last());
+    }
     plan();
 
-    bool written = QDir().mkpath(directory) && writeMap() && writeFrontPage();
+    bool written = QDir().mkpath(outputDirectory) && writer.open(outputDirectory) && writeMap() && writeFrontPage();
     for (int i = 0; written && i < topics.size(); ++i)
         written = topics.at(i).kind == E_TK_GROUP ? writeGroup(i) : writeObject(i);
+    writer.close();
     topics.clear();
+    topics.squeeze();
+    ids.clear();
+    idTable.clear();
     return written;
 }
 
 void COdictExportDocPrivate::plan()
 {
     topics.clear();
+    ids.clear();
+    idTable = QVector<int>(1024, -1);
     groupTopics = objectTopics = subObjectTopics = 0;
     const COdictNode *root = odict ? odict->odictTree() : nullptr;
     const COdictNode *top = root ? root->child(0) : nullptr;
     if (!top)
         return;
 
+    // The topics are counted first, so that their tables are allocated once at their size:
+    // growing them would hold the old block and the new one at the same time.
+    int count = 0;
+    QVector<const COdictNode *> below{top};
+    while (!below.isEmpty()) {
+        const COdictNode *node = below.takeLast();
+        count += node->childCount();
+        for (int i = 0; i < node->childCount(); ++i)
+            below.append(node->child(i));
+    }
+    below.squeeze();
+    topics.reserve(count);
+    ids.reserve(count * 12); // "obj_" and six to eight digits, for most
+    int tableSize = idTable.size();
+    while (tableSize < 2 * (count + 1))
+        tableSize *= 2;
+    idTable = QVector<int>(tableSize, -1); // allocated at its size, fill() would round up
+
     // Pre-order with a work list (trees may be deep); each entry remembers its parent topic so
     // that the subtree ends can be filled in afterwards.
-    QSet<QString> used;
     QVector<int> parents;
+    parents.reserve(count);
     QVector<QPair<const COdictNode *, int>> pending;
     for (int i = top->childCount() - 1; i >= 0; --i)
         pending.append(qMakePair(top->child(i), -1));
@@ -248,14 +269,14 @@ void COdictExportDocPrivate::plan()
         topic.node = entry.first;
         if (object) {
             topic.kind = item.type() == NkrOdict::E_IT_SUBOBJECT ? E_TK_SUBOBJECT : E_TK_OBJECT;
-            topic.id = uniqueId(objectTopicId(*object), used);
+            assignUniqueId(topic, objectTopicId(*object));
             ++(topic.kind == E_TK_OBJECT ? objectTopics : subObjectTopics);
         } else {
             // Anything that is not an object (a group, or a node of another kind) becomes a
             // group topic, so that nothing below it goes missing.
             topic.kind = E_TK_GROUP;
-            const QString name = nameCharacters(item.name());
-            topic.id = uniqueId(QStringLiteral("grp_") + (name.isEmpty() ? QStringLiteral("group") : name), used);
+            const QByteArray name = nameCharacters(item.name());
+            assignUniqueId(topic, "grp_" + (name.isEmpty() ? QByteArray("group") : name));
             ++groupTopics;
         }
         const int index = topics.size();
@@ -271,56 +292,106 @@ void COdictExportDocPrivate::plan()
     }
 }
 
-QString COdictExportDocPrivate::fileOf(int topic) const
+void COdictExportDocPrivate::assignUniqueId(sTopic_t &topic, const QByteArray &base)
 {
-    return topics.at(topic).id + ditaSuffix;
+    // Linear probing; the table is at most half full, so a free slot ends every search.
+    const auto slotOf = [this](const char *id, int size) {
+        const int mask = idTable.size() - 1;
+        int slot = int(idHash(id, size) & uint(mask));
+        for (int t = idTable.at(slot); t >= 0; t = idTable.at(slot)) {
+            if (topics.at(t).idSize == size && std::memcmp(ids.constData() + topics.at(t).idStart, id, size_t(size)) == 0)
+                break;
+            slot = (slot + 1) & mask;
+        }
+        return slot;
+    };
+    if (2 * (topics.size() + 1) > idTable.size()) {
+        idTable = QVector<int>(2 * idTable.size(), -1);
+        for (int t = 0; t < topics.size(); ++t)
+            idTable[slotOf(ids.constData() + topics.at(t).idStart, topics.at(t).idSize)] = t;
+    }
+    QByteArray id = base;
+    int slot = slotOf(id.constData(), id.size());
+    for (int n = 2; idTable.at(slot) >= 0; ++n) {
+        id = base + '_' + QByteArray::number(n);
+        slot = slotOf(id.constData(), id.size());
+    }
+    idTable[slot] = topics.size(); // the topic is appended next
+    topic.idStart = ids.size();
+    topic.idSize = id.size();
+    ids += id;
 }
 
-QString COdictExportDocPrivate::hrefOf(int topic) const
+QLatin1String COdictExportDocPrivate::idOf(int topic) const
 {
-    return fileOf(topic) + QLatin1Char('#') + topics.at(topic).id;
+    return QLatin1String(ids.constData() + topics.at(topic).idStart, topics.at(topic).idSize);
+}
+
+QByteArray COdictExportDocPrivate::fileOf(int topic) const
+{
+    const QLatin1String id = idOf(topic);
+    return QByteArray(id.data(), id.size()) + ".dita";
+}
+
+QLatin1String COdictExportDocPrivate::hrefOf(int topic)
+{
+    const QLatin1String id = idOf(topic);
+    href.resize(0);
+    href.append(id.data(), id.size()).append(".dita#").append(id.data(), id.size());
+    return QLatin1String(href);
 }
 
 QString COdictExportDocPrivate::titleOf(int topic) const
 {
     const QString title = translated(topics.at(topic).node->dataRef().uiName());
-    return title.isEmpty() ? topics.at(topic).id : title;
+    return title.isEmpty() ? QString(idOf(topic)) : title;
 }
 
-bool COdictExportDocPrivate::commit(const QString &fileName)
+void COdictExportDocPrivate::row(int label, const QString &value)
 {
-    return writer.commit(QDir(directory).filePath(fileName));
+    writer.start("strow");
+    headCell(label);
+    writer.element("stentry", value);
+    writer.end();
+}
+
+void COdictExportDocPrivate::hexRow(int label, quint64 value, int width)
+{
+    writer.start("strow");
+    headCell(label);
+    writer.elementHex("stentry", value, width);
+    writer.end();
 }
 
 void COdictExportDocPrivate::row(std::initializer_list<QString> cells)
 {
-    writer.start(QStringLiteral("strow"));
+    writer.start("strow");
     for (const QString &cell : cells)
-        writer.element(QStringLiteral("stentry"), cell);
+        writer.element("stentry", cell);
     writer.end();
 }
 
 bool COdictExportDocPrivate::writeMap()
 {
     const QString title = odictName.isEmpty() ? label(L_OBJECT_DICTIONARY) : odictName;
-    writer.begin(QStringLiteral("bookmap"), bookmapId, QStringLiteral("bookmap.dtd"), QStringLiteral("bookmap"), lang);
-    writer.start(QStringLiteral("booktitle"));
-    writer.element(QStringLiteral("mainbooktitle"), title);
-    writer.element(QStringLiteral("booktitlealt"), label(L_OBJECT_DICTIONARY));
+    writer.begin(mapFileName().toLatin1(), "bookmap", bookmapId, "bookmap.dtd", QLatin1String("bookmap"), lang);
+    writer.start("booktitle");
+    writer.element("mainbooktitle", title);
+    writer.element("booktitlealt", label(L_OBJECT_DICTIONARY));
     writer.end();
 
     // The children of bookmeta in the order the DTD demands: author, publisher information
     // (the export date), critical dates (from the history), product information (the version).
-    writer.start(QStringLiteral("bookmeta"));
+    writer.start("bookmeta");
     if (!meta.author().isEmpty())
-        writer.element(QStringLiteral("author"), meta.author());
+        writer.element("author", meta.author());
     const QDate exported = exportDate();
-    writer.start(QStringLiteral("publisherinformation"));
-    writer.start(QStringLiteral("published"));
-    writer.start(QStringLiteral("completed"));
-    writer.element(QStringLiteral("year"), QString::number(exported.year()));
-    writer.element(QStringLiteral("month"), QString::number(exported.month()).rightJustified(2, QLatin1Char('0')));
-    writer.element(QStringLiteral("day"), QString::number(exported.day()).rightJustified(2, QLatin1Char('0')));
+    writer.start("publisherinformation");
+    writer.start("published");
+    writer.start("completed");
+    writer.element("year", QString::number(exported.year()));
+    writer.element("month", QString::number(exported.month()).rightJustified(2, QLatin1Char('0')));
+    writer.element("day", QString::number(exported.day()).rightJustified(2, QLatin1Char('0')));
     writer.end();
     writer.end();
     writer.end();
@@ -328,28 +399,28 @@ bool COdictExportDocPrivate::writeMap()
     // The history is newest first: its last record is the dictionary's first release.
     const QDate created = history.size() > 0 ? history.at(history.size() - 1).date() : meta.date();
     if (created.isValid() || meta.date().isValid()) {
-        writer.start(QStringLiteral("critdates"));
+        writer.start("critdates");
         if (created.isValid())
-            writer.emptyElement(QStringLiteral("created"), QStringLiteral("date"), isoDate(created));
+            writer.emptyElement("created", "date", isoDate(created));
         if (meta.date().isValid())
-            writer.emptyElement(QStringLiteral("revised"), QStringLiteral("modified"), isoDate(meta.date()));
+            writer.emptyElement("revised", "modified", isoDate(meta.date()));
         writer.end();
     }
     const quint32 version = meta.version().value;
-    writer.start(QStringLiteral("prodinfo"));
-    writer.element(QStringLiteral("prodname"), title);
-    writer.start(QStringLiteral("vrmlist"));
-    writer.start(QStringLiteral("vrm"));
-    writer.attribute(QStringLiteral("version"), QString::number(version >> 24));
-    writer.attribute(QStringLiteral("release"), QString::number((version >> 16) & 0xFFu));
-    writer.attribute(QStringLiteral("modification"), QString::number(version & 0xFFFFu));
+    writer.start("prodinfo");
+    writer.element("prodname", title);
+    writer.start("vrmlist");
+    writer.start("vrm");
+    writer.attribute("version", QString::number(version >> 24));
+    writer.attribute("release", QString::number((version >> 16) & 0xFFu));
+    writer.attribute("modification", QString::number(version & 0xFFFFu));
     writer.end();
     writer.end();
     writer.end();
     writer.end(); // bookmeta
 
-    writer.start(QStringLiteral("frontmatter"));
-    writer.emptyElement(QStringLiteral("topicref"), QStringLiteral("href"), frontPage + ditaSuffix);
+    writer.start("frontmatter");
+    writer.emptyElement("topicref", "href", QStringLiteral("frontpage.dita"));
     writer.end();
 
     // Top-level topics are chapters, everything below them nested topic references; the stack
@@ -360,51 +431,51 @@ bool COdictExportDocPrivate::writeMap()
             writer.end();
             open.removeLast();
         }
-        writer.start(open.isEmpty() ? QStringLiteral("chapter") : QStringLiteral("topicref"));
-        writer.attribute(QStringLiteral("href"), fileOf(i));
+        writer.start(open.isEmpty() ? "chapter" : "topicref");
+        writer.attribute("href", QLatin1String(fileOf(i)));
         open.append(topics.at(i).end);
     }
-    return commit(mapFileName());
+    return writer.commit();
 }
 
 bool COdictExportDocPrivate::writeFrontPage()
 {
     const QString title = odictName.isEmpty() ? label(L_OBJECT_DICTIONARY) : odictName;
     const QString version = CStr::versionToString(meta.version());
-    writer.begin(QStringLiteral("concept"), conceptId, QStringLiteral("concept.dtd"), frontPage, lang);
-    writer.element(QStringLiteral("title"), title);
-    writer.element(QStringLiteral("shortdesc"), label(L_FRONT_SHORTDESC).arg(title, version));
-    writer.start(QStringLiteral("conbody"));
+    writer.begin(QByteArrayLiteral("frontpage.dita"), "concept", conceptId, "concept.dtd", QLatin1String("frontpage"), lang);
+    writer.element("title", title);
+    writer.element("shortdesc", label(L_FRONT_SHORTDESC).arg(title, version));
+    writer.start("conbody");
 
-    writer.start(QStringLiteral("simpletable"));
-    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 3*"));
-    writer.start(QStringLiteral("sthead"));
-    writer.element(QStringLiteral("stentry"), label(L_PROPERTY));
-    writer.element(QStringLiteral("stentry"), label(L_VALUE));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 3*"));
+    writer.start("sthead");
+    headCell(L_PROPERTY);
+    headCell(L_VALUE);
     writer.end();
-    row({label(L_NAME), odictName});
-    row({label(L_VERSION), version});
-    row({label(L_DATE), isoDate(meta.date())});
-    row({label(L_AUTHOR), meta.author()});
-    row({label(L_COMMENT), meta.comment()});
-    row({label(L_GROUPS), QString::number(groupTopics)});
-    row({label(L_OBJECTS), QString::number(objectTopics)});
-    row({label(L_SUB_OBJECTS), QString::number(subObjectTopics)});
-    row({label(L_EXPORTED), isoDate(exportDate())});
+    row(L_NAME, odictName);
+    row(L_VERSION, version);
+    row(L_DATE, isoDate(meta.date()));
+    row(L_AUTHOR, meta.author());
+    row(L_COMMENT, meta.comment());
+    row(L_GROUPS, QString::number(groupTopics));
+    row(L_OBJECTS, QString::number(objectTopics));
+    row(L_SUB_OBJECTS, QString::number(subObjectTopics));
+    row(L_EXPORTED, isoDate(exportDate()));
     writer.end();
 
-    writer.start(QStringLiteral("section"));
-    writer.attribute(QStringLiteral("id"), QStringLiteral("history"));
-    writer.element(QStringLiteral("title"), label(L_HISTORY));
+    writer.start("section");
+    writer.attribute("id", QLatin1String("history"));
+    writer.element("title", label(L_HISTORY));
     const COdictHistory history = odict ? odict->odictHistory() : COdictHistory();
     if (history.size() == 0) {
-        writer.element(QStringLiteral("p"), label(L_NO_HISTORY));
+        writer.element("p", label(L_NO_HISTORY));
     } else {
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 1* 1* 2* 4*"));
-        writer.start(QStringLiteral("sthead"));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 1* 1* 2* 4*"));
+        writer.start("sthead");
         for (const int l : {L_VERSION, L_DATE, L_TIME, L_AUTHOR, L_COMMENT})
-            writer.element(QStringLiteral("stentry"), label(l));
+            headCell(l);
         writer.end();
         for (int i = 0; i < history.size(); ++i) {
             const CXMLMetaData record = history.at(i);
@@ -416,20 +487,20 @@ bool COdictExportDocPrivate::writeFrontPage()
     }
     writer.end();
 
-    writer.start(QStringLiteral("section"));
-    writer.attribute(QStringLiteral("id"), QStringLiteral("datastructures"));
-    writer.element(QStringLiteral("title"), label(L_STRUCTURES));
+    writer.start("section");
+    writer.attribute("id", QLatin1String("datastructures"));
+    writer.element("title", label(L_STRUCTURES));
     const COdictObjectTree *tree = odict ? odict->objectTree() : nullptr;
     const QList<COdictDataStructure::SDataStructure_t> structures =
         tree ? tree->dataStructures().list() : QList<COdictDataStructure::SDataStructure_t>();
     if (structures.isEmpty()) {
-        writer.element(QStringLiteral("p"), label(L_NO_STRUCTURES));
+        writer.element("p", label(L_NO_STRUCTURES));
     } else {
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 2* 2* 4* 4*"));
-        writer.start(QStringLiteral("sthead"));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 2* 2* 4* 4*"));
+        writer.start("sthead");
         for (const int l : {L_ID, L_NAME, L_DISPLAY_NAME, L_DESCRIPTION, L_MEMBERS})
-            writer.element(QStringLiteral("stentry"), label(l));
+            headCell(l);
         writer.end();
         for (const auto &structure : structures) {
             QStringList members;
@@ -443,17 +514,17 @@ bool COdictExportDocPrivate::writeFrontPage()
     writer.end();
 
     writer.end(); // conbody
-    return commit(frontPage + ditaSuffix);
+    return writer.commit();
 }
 
 bool COdictExportDocPrivate::writeGroup(int topic)
 {
     const sTopic_t &group = topics.at(topic);
     const QString title = titleOf(topic);
-    writer.begin(QStringLiteral("concept"), conceptId, QStringLiteral("concept.dtd"), group.id, lang);
-    writer.element(QStringLiteral("title"), title);
-    writer.element(QStringLiteral("shortdesc"), label(L_GROUP_SHORTDESC).arg(title));
-    writer.start(QStringLiteral("conbody"));
+    writer.begin(fileOf(topic), "concept", conceptId, "concept.dtd", idOf(topic), lang);
+    writer.element("title", title);
+    writer.element("shortdesc", label(L_GROUP_SHORTDESC).arg(title));
+    writer.start("conbody");
 
     // The direct children: the subtree of each child is skipped by its end.
     QVector<int> groups;
@@ -461,9 +532,9 @@ bool COdictExportDocPrivate::writeGroup(int topic)
     for (int i = topic + 1; i < group.end; i = topics.at(i).end)
         (topics.at(i).kind == E_TK_GROUP ? groups : objects).append(i);
     if (!groups.isEmpty()) {
-        writer.start(QStringLiteral("ul"));
+        writer.start("ul");
         for (const int i : qAsConst(groups)) {
-            writer.start(QStringLiteral("li"));
+            writer.start("li");
             writer.xref(hrefOf(i), titleOf(i));
             writer.end();
         }
@@ -472,9 +543,9 @@ bool COdictExportDocPrivate::writeGroup(int topic)
     if (!objects.isEmpty())
         writeObjectTable(topic);
     if (groups.isEmpty() && objects.isEmpty())
-        writer.element(QStringLiteral("p"), label(L_EMPTY_GROUP));
+        writer.element("p", label(L_EMPTY_GROUP));
     writer.end(); // conbody
-    return commit(fileOf(topic));
+    return writer.commit();
 }
 
 bool COdictExportDocPrivate::writeObject(int topic)
@@ -484,10 +555,19 @@ bool COdictExportDocPrivate::writeObject(int topic)
     const COdictObject &object = *item.objectPtr();
     const COdictEditorObject *editor = item.toEditorObjectPtr();
 
-    writer.begin(QStringLiteral("reference"), referenceId, QStringLiteral("reference.dtd"), entry.id, lang);
-    writer.element(QStringLiteral("title"), titleOf(topic));
-    writer.start(QStringLiteral("titlealts"));
-    writer.element(QStringLiteral("navtitle"), translated(item.uiShortName()));
+    // The object's display names, translated once: the title and the navigation title show the
+    // same texts unless they fall back to the name or the display name.
+    const QString uiName = object.uiName();
+    const QString uiShortName = object.uiShortName();
+    const QString displayName = translated(uiName);
+    const QString shortName = translated(uiShortName);
+    QString title = uiName.isEmpty() ? titleOf(topic) : displayName;
+    if (title.isEmpty())
+        title = QString(idOf(topic));
+    writer.begin(fileOf(topic), "reference", referenceId, "reference.dtd", idOf(topic), lang);
+    writer.element("title", title);
+    writer.start("titlealts");
+    writer.element("navtitle", uiShortName.isEmpty() ? translated(item.uiShortName()) : shortName);
     writer.end();
     QString summary = editor ? editor->shortDescription() : QString();
     if (summary.isEmpty()) {
@@ -495,33 +575,33 @@ bool COdictExportDocPrivate::writeObject(int topic)
             ? label(L_SUB_SHORTDESC).arg(object.name(), hex(object.id(), 4), hex(object.subId(), 2))
             : label(L_OBJECT_SHORTDESC).arg(object.name(), hex(object.id(), 4));
     }
-    writer.element(QStringLiteral("shortdesc"), summary);
+    writer.element("shortdesc", summary);
 
-    writer.start(QStringLiteral("refbody"));
+    writer.start("refbody");
     const QString description = editor ? editor->description() : QString();
     if (!description.trimmed().isEmpty()) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("description"));
-        writer.element(QStringLiteral("title"), label(L_DESCRIPTION));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("description"));
+        writer.element("title", label(L_DESCRIPTION));
         // One paragraph per line of the text.
         for (const QString &line : description.split(QLatin1Char('\n'))) {
             if (!line.trimmed().isEmpty())
-                writer.element(QStringLiteral("p"), line.trimmed());
+                writer.element("p", line.trimmed());
         }
         writer.end();
     }
-    writeProperties(object);
+    writeProperties(object, displayName, shortName);
 
     const COdictObjectEnum *values = object.enumDataPtr();
     if (!values->isEmpty()) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("values"));
-        writer.element(QStringLiteral("title"), label(L_VALUES));
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 4*"));
-        writer.start(QStringLiteral("sthead"));
-        writer.element(QStringLiteral("stentry"), label(L_VALUE));
-        writer.element(QStringLiteral("stentry"), label(L_TEXT));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("values"));
+        writer.element("title", label(L_VALUES));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 4*"));
+        writer.start("sthead");
+        headCell(L_VALUE);
+        headCell(L_TEXT);
         writer.end();
         for (const auto &value : values->enums())
             row({QString::number(value.value), translated(value.name)});
@@ -530,14 +610,14 @@ bool COdictExportDocPrivate::writeObject(int topic)
     }
     const COdictObjectBitSet *bits = object.bitSetDataPtr();
     if (!bits->isEmpty()) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("bits"));
-        writer.element(QStringLiteral("title"), label(L_BITS));
-        writer.start(QStringLiteral("simpletable"));
-        writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 4*"));
-        writer.start(QStringLiteral("sthead"));
-        writer.element(QStringLiteral("stentry"), label(L_BIT));
-        writer.element(QStringLiteral("stentry"), label(L_TEXT));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("bits"));
+        writer.element("title", label(L_BITS));
+        writer.start("simpletable");
+        writer.attribute("relcolwidth", QLatin1String("1* 4*"));
+        writer.start("sthead");
+        headCell(L_BIT);
+        headCell(L_TEXT);
         writer.end();
         for (const auto &bit : bits->bitSet())
             row({QString::number(bit.pos), translated(bit.name)});
@@ -545,65 +625,69 @@ bool COdictExportDocPrivate::writeObject(int topic)
         writer.end();
     }
     if (entry.end > topic + 1) {
-        writer.start(QStringLiteral("section"));
-        writer.attribute(QStringLiteral("id"), QStringLiteral("subobjects"));
-        writer.element(QStringLiteral("title"), label(L_SUB_OBJECTS));
+        writer.start("section");
+        writer.attribute("id", QLatin1String("subobjects"));
+        writer.element("title", label(L_SUB_OBJECTS));
         writeObjectTable(topic);
         writer.end();
     }
     writer.end(); // refbody
-    return commit(fileOf(topic));
+    return writer.commit();
 }
 
 void COdictExportDocPrivate::writeObjectTable(int topic)
 {
-    writer.start(QStringLiteral("simpletable"));
-    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 1* 2* 3*"));
-    writer.start(QStringLiteral("sthead"));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 1* 2* 3*"));
+    writer.start("sthead");
     for (const int l : {L_ID, L_SUB_ID, L_NAME, L_DISPLAY_NAME})
-        writer.element(QStringLiteral("stentry"), label(l));
+        headCell(l);
     writer.end();
     for (int i = topic + 1; i < topics.at(topic).end; i = topics.at(i).end) {
         if (topics.at(i).kind == E_TK_GROUP)
             continue;
         const COdictObject &object = *topics.at(i).node->dataRef().objectPtr();
-        writer.start(QStringLiteral("strow"));
-        writer.element(QStringLiteral("stentry"), hex(object.id(), 4));
-        writer.element(QStringLiteral("stentry"), object.isSubObject() ? hex(object.subId(), 2) : QString());
-        writer.start(QStringLiteral("stentry"));
+        writer.start("strow");
+        writer.elementHex("stentry", object.id(), 4);
+        if (object.isSubObject())
+            writer.elementHex("stentry", object.subId(), 2);
+        else
+            writer.elementBytes("stentry", QByteArray());
+        writer.start("stentry");
         writer.xref(hrefOf(i), object.name());
         writer.end();
-        writer.element(QStringLiteral("stentry"), titleOf(i));
+        writer.element("stentry", titleOf(i));
         writer.end();
     }
     writer.end();
 }
 
-void COdictExportDocPrivate::writeProperties(const COdictObject &object)
+void COdictExportDocPrivate::writeProperties(const COdictObject &object, const QString &displayName,
+                                             const QString &shortName)
 {
-    writer.start(QStringLiteral("section"));
-    writer.attribute(QStringLiteral("id"), QStringLiteral("properties"));
-    writer.element(QStringLiteral("title"), label(L_PROPERTIES));
-    writer.start(QStringLiteral("simpletable"));
-    writer.attribute(QStringLiteral("relcolwidth"), QStringLiteral("1* 2*"));
-    writer.start(QStringLiteral("sthead"));
-    writer.element(QStringLiteral("stentry"), label(L_PROPERTY));
-    writer.element(QStringLiteral("stentry"), label(L_VALUE));
+    writer.start("section");
+    writer.attribute("id", QLatin1String("properties"));
+    writer.element("title", label(L_PROPERTIES));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 2*"));
+    writer.start("sthead");
+    headCell(L_PROPERTY);
+    headCell(L_VALUE);
     writer.end();
 
-    row({label(L_NAME), object.name()});
-    row({label(L_DISPLAY_NAME), translated(object.uiName())});
-    row({label(L_SHORT_NAME), translated(object.uiShortName())});
-    row({label(L_ID), hex(object.id(), 4)});
+    row(L_NAME, object.name());
+    row(L_DISPLAY_NAME, displayName);
+    row(L_SHORT_NAME, shortName);
+    hexRow(L_ID, object.id(), 4);
     // Files write 0 for "no DS402 number" as often as the library's 0xFFFFFFFF.
     if (object.ds402Id() != 0 && object.ds402Id() != COdictObject::NoId)
-        row({label(L_DS402_INDEX), hex(object.ds402Id(), 4)});
+        hexRow(L_DS402_INDEX, object.ds402Id(), 4);
     if (object.isSubObject())
-        row({label(L_SUB_ID), hex(object.subId(), 2)});
-    row({label(L_DATA_TYPE), CDataTypeParser::typeToStr(object.dataType())});
-    row({label(L_SIZE), QString::number(object.dataSize())});
+        hexRow(L_SUB_ID, object.subId(), 2);
+    row(L_DATA_TYPE, CDataTypeParser::typeToStr(object.dataType()));
+    row(L_SIZE, QString::number(object.dataSize()));
     if (object.arrayLength() > 1)
-        row({label(L_ELEMENTS), QString::number(object.arrayLength())});
+        row(L_ELEMENTS, QString::number(object.arrayLength()));
 
     // Two bits per access path: the even one allows writing, the odd one reading.
     const unsigned int rights = object.accessRights();
@@ -615,7 +699,7 @@ void COdictExportDocPrivate::writeProperties(const COdictObject &object)
         if (read || write)
             paths << label(read && write ? L_READ_WRITE : read ? L_READ : L_WRITE).arg(label(pathLabels[p]));
     }
-    row({label(L_ACCESS_RIGHTS), hex(rights, 8) + (paths.isEmpty() ? QString() : QStringLiteral(": ") + paths.join(QStringLiteral(", ")))});
+    row(L_ACCESS_RIGHTS, hex(rights, 8) + (paths.isEmpty() ? QString() : QStringLiteral(": ") + paths.join(QStringLiteral(", "))));
 
     int usage = L_USAGE_NONE;
     switch (object.baseObjectUsage()) {
@@ -625,21 +709,21 @@ void COdictExportDocPrivate::writeProperties(const COdictObject &object)
     case NkrOdict::E_OU_OBJECT: usage = L_USAGE_OBJECT; break;
     default: break;
     }
-    row({label(L_USAGE), label(usage) + QStringLiteral(" (") + hex(object.objectUsage(), 2) + QLatin1Char(')')});
+    row(L_USAGE, label(usage) + QStringLiteral(" (") + hex(object.objectUsage(), 2) + QLatin1Char(')'));
 
     const auto level = [this](unsigned int value) {
         const QString number = QString::number(value);
         return value <= NkrUserLevel::E_UL_DEVELOPER ? label(L_LEVEL_NONE + int(value)) + QStringLiteral(" (") + number + QLatin1Char(')')
                                                       : number;
     };
-    row({label(L_LEVEL_READ), level(object.userlevelRead())});
-    row({label(L_LEVEL_WRITE), level(object.userlevelWrite())});
-    row({label(L_LEVEL_VISIBLE), level(object.userlevelVisible())});
-    row({label(L_MINIMUM), object.minValueAsStr()});
-    row({label(L_MAXIMUM), object.maxValueAsStr()});
-    row({label(L_DEFAULT), object.defaultValueAsStr()});
-    row({label(L_UNIT), object.unitText()});
-    row({label(L_DIGITS), object.digits() >= 0 ? QString::number(object.digits()) : QString()});
+    row(L_LEVEL_READ, level(object.userlevelRead()));
+    row(L_LEVEL_WRITE, level(object.userlevelWrite()));
+    row(L_LEVEL_VISIBLE, level(object.userlevelVisible()));
+    row(L_MINIMUM, object.minValueAsStr());
+    row(L_MAXIMUM, object.maxValueAsStr());
+    row(L_DEFAULT, object.defaultValueAsStr());
+    row(L_UNIT, object.unitText());
+    row(L_DIGITS, object.digits() >= 0 ? QString::number(object.digits()) : QString());
     writer.end(); // simpletable
     writer.end(); // section
 }

@@ -7,11 +7,10 @@
 #include "COdictCanOpen.h"
 #include "COdictObject.h"
 #include "COdictObjectTree.h"
-#include "CSaveFile.h"
 #include "CStr.h"
 #include "CVariant.h"
 
-#include <QSaveFile>
+#include <QVector>
 
 #include <cmath>
 
@@ -109,14 +108,19 @@ void COdictExportEds::setVendorName(const QString &name)
 QStringList COdictExportEds::leftOut() const
 {
     Q_D(const COdictExportEds);
-    return d->leftOut;
+    QStringList texts;
+    texts.reserve(d->leftOutEnds.size());
+    for (int i = 0; i < d->leftOutEnds.size(); ++i)
+        texts << d->leftOutAt(i);
+    return texts;
 }
 
 bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
 {
     prepare();
-    leftOut.clear();
-    m_valueTexts.clear();
+    leftOutTexts.clear();
+    leftOutEnds.clear();
+    m_noting = true;
     const COdictCanOpenMap map(odict);
     for (const sOdictCanOpenPlace_t &place : map.collisions()) {
         leaveOut(*place.object, QStringLiteral("its CANopen index %1 is also claimed by %2")
@@ -125,73 +129,84 @@ bool COdictExportEdsPrivate::exportToEds(const QString &fileName)
     for (const sOdictCanOpenPlace_t &place : map.withoutIndex())
         leaveOut(*place.object, QStringLiteral("its id has no CANopen index"));
 
-    // Object sections by category; an object that yields no section is not listed.
-    QList<unsigned int> mandatory, optional, manufacturer;
-    QStringList mandatorySections, optionalSections, manufacturerSections;
+    // The file lists the objects and counts the comment lines before the object sections come,
+    // so a first pass finds the objects that yield a section (an object that yields none is not
+    // listed), counts their value and bit texts and notes what is left out. The sections and
+    // texts themselves are written by later passes, one object at a time.
+    QVector<sSection_t> sections;
+    QList<unsigned int> indexes[E_C_COUNT];
+    int valueTextCount = 0;
     for (const sOdictCanOpenPlace_t &place : map.placed()) {
-        const QStringList section = objectSection(place.index, *place.object);
-        if (section.isEmpty())
+        sSection_t section{place.index, place.object, E_C_OPTIONAL};
+        sEntries_t entries;
+        if (!collect(*place.object, entries))
             continue;
-        if (place.index == 0x1000 || place.index == 0x1001 || place.index == 0x1018) {
-            mandatory.append(place.index);
-            mandatorySections << section;
-        } else if (place.index >= 0x2000 && place.index <= 0x5FFF) {
-            manufacturer.append(place.index);
-            manufacturerSections << section;
-        } else {
-            optional.append(place.index);
-            optionalSections << section;
-        }
+        if (place.index == 0x1000 || place.index == 0x1001 || place.index == 0x1018)
+            section.category = E_C_MANDATORY;
+        else if (place.index >= 0x2000 && place.index <= 0x5FFF)
+            section.category = E_C_MANUFACTURER;
+        sections.append(section);
+        indexes[section.category].append(place.index);
+        valueTexts(section, entries, [&valueTextCount](const QString &) { ++valueTextCount; });
     }
+    m_noting = false;
 
-    fileInfo(fileName);
-    deviceInfo(mandatory + optional + manufacturer);
-    lines << QStringLiteral("[DummyUsage]");
-    for (int type = 1; type <= 7; ++type) // the integer types up to 32 bits; BOOLEAN cannot be a dummy
-        lines << QStringLiteral("Dummy%1=%2").arg(type, 4, 10, QLatin1Char('0')).arg(type == 1 ? 0 : 1);
-    lines << QString();
-
-    QStringList comments{QStringLiteral("Exported from %1 %2 on %3 by krOdict.")
-                             .arg(odictName, CStr::versionToString(odict ? odict->odictMetaData().version() : 0),
-                                  exportDate().toString(Qt::ISODate))};
-    if (!m_valueTexts.isEmpty())
-        comments << QStringLiteral("Value and bit texts:") << m_valueTexts;
-    if (!leftOut.isEmpty())
-        comments << QStringLiteral("Left out:") << leftOut;
-    lines << QStringLiteral("[Comments]") << QStringLiteral("Lines=%1").arg(comments.size());
-    for (int i = 0; i < comments.size(); ++i)
-        lines << QStringLiteral("Line%1=").arg(i + 1) + comments.at(i);
-    lines << QString();
-
-    const auto list = [this](const char *title, const QList<unsigned int> &indexes, const QStringList &sections) {
-        lines << QLatin1Char('[') + QLatin1String(title) + QLatin1Char(']')
-              << QStringLiteral("SupportedObjects=%1").arg(indexes.size());
-        for (int i = 0; i < indexes.size(); ++i)
-            lines << QStringLiteral("%1=%2").arg(i + 1).arg(hex4(indexes.at(i)));
-        lines << QString() << sections;
-    };
-    list("MandatoryObjects", mandatory, mandatorySections);
-    list("OptionalObjects", optional, optionalSections);
-    list("ManufacturerObjects", manufacturer, manufacturerSections);
-
-    for (const QString &text : qAsConst(leftOut))
-        CMessageBoardHelper::setWarning(QStringLiteral("EDS export: ") + text, odict ? odict->logfile() : nullptr);
+    for (int i = 0; i < leftOutEnds.size(); ++i)
+        CMessageBoardHelper::setWarning(QStringLiteral("EDS export: ") + leftOutAt(i), odict ? odict->logfile() : nullptr);
 
     // CR LF and no byte-order mark: the form every INI reader of the field takes.
-    // A line break inside a text would end its key early: texts keep to their line.
-    QByteArray bytes;
-    for (QString line : qAsConst(lines))
-        bytes += line.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8() + "\r\n";
-    lines.clear();
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    if (file.write(bytes) != bytes.size())
-        file.cancelWriting();
-    return CSaveFile::commit(file);
+    COdictLineSink out(fileName, COdictLineSink::E_F_INI, progress(), sections.size());
+    fileInfo(out, fileName);
+    deviceInfo(out, indexes[E_C_MANDATORY] + indexes[E_C_OPTIONAL] + indexes[E_C_MANUFACTURER]);
+    out << QStringLiteral("[DummyUsage]");
+    for (int type = 1; type <= 7; ++type) // the integer types up to 32 bits; BOOLEAN cannot be a dummy
+        out << QStringLiteral("Dummy%1=%2").arg(type, 4, 10, QLatin1Char('0')).arg(type == 1 ? 0 : 1);
+    out << QString();
+
+    const int commentCount = 1 + (valueTextCount > 0 ? valueTextCount + 1 : 0)
+        + (leftOutEnds.isEmpty() ? 0 : leftOutEnds.size() + 1);
+    int line = 0;
+    const auto comment = [&out, &line](const QString &text) { out << QStringLiteral("Line%1=").arg(++line) + text; };
+    out << QStringLiteral("[Comments]") << QStringLiteral("Lines=%1").arg(commentCount);
+    comment(QStringLiteral("Exported from %1 %2 on %3 by krOdict.")
+                .arg(odictName, CStr::versionToString(odict ? odict->odictMetaData().version() : 0),
+                     exportDate().toString(Qt::ISODate)));
+    if (valueTextCount > 0) {
+        comment(QStringLiteral("Value and bit texts:"));
+        for (const sSection_t &section : qAsConst(sections)) {
+            sEntries_t entries;
+            collect(*section.object, entries);
+            valueTexts(section, entries, comment);
+        }
+    }
+    if (!leftOutEnds.isEmpty()) {
+        comment(QStringLiteral("Left out:"));
+        for (int i = 0; i < leftOutEnds.size(); ++i)
+            comment(leftOutAt(i));
+    }
+    out << QString();
+
+    const char *const titles[E_C_COUNT] = {"MandatoryObjects", "OptionalObjects", "ManufacturerObjects"};
+    for (int category = 0; category < E_C_COUNT; ++category) {
+        const QList<unsigned int> &list = indexes[category];
+        out << QLatin1Char('[') + QLatin1String(titles[category]) + QLatin1Char(']')
+            << QStringLiteral("SupportedObjects=%1").arg(list.size());
+        for (int i = 0; i < list.size(); ++i)
+            out << QStringLiteral("%1=%2").arg(i + 1).arg(hex4(list.at(i)));
+        out << QString();
+        for (const sSection_t &section : qAsConst(sections)) {
+            if (section.category != category)
+                continue;
+            sEntries_t entries;
+            collect(*section.object, entries);
+            writeSection(out, section, entries);
+            out.advance();
+        }
+    }
+    return out.commit();
 }
 
-void COdictExportEdsPrivate::fileInfo(const QString &fileName)
+void COdictExportEdsPrivate::fileInfo(COdictLineSink &out, const QString &fileName) const
 {
     const CXMLMetaData meta = odict ? odict->odictMetaData() : CXMLMetaData();
     const COdictHistory history = odict ? odict->odictHistory() : COdictHistory();
@@ -200,7 +215,7 @@ void COdictExportEdsPrivate::fileInfo(const QString &fileName)
     QString description = odictName + QLatin1Char(' ') + CStr::versionToString(version);
     if (!meta.comment().isEmpty())
         description += QStringLiteral(": ") + meta.comment();
-    lines << QStringLiteral("[FileInfo]") << QStringLiteral("FileName=") + COdictExportBasePrivate::fileName(fileName)
+    out << QStringLiteral("[FileInfo]") << QStringLiteral("FileName=") + COdictExportBasePrivate::fileName(fileName)
           << QStringLiteral("FileVersion=%1").arg(version.mainNumber())
           << QStringLiteral("FileRevision=%1").arg(version.minorNumber())
           << QStringLiteral("EDSVersion=4.0") << QStringLiteral("Description=") + description.left(maxDescription)
@@ -211,7 +226,7 @@ void COdictExportEdsPrivate::fileInfo(const QString &fileName)
           << QStringLiteral("ModifiedBy=") + meta.author() << QString();
 }
 
-void COdictExportEdsPrivate::deviceInfo(const QList<unsigned int> &indexes)
+void COdictExportEdsPrivate::deviceInfo(COdictLineSink &out, const QList<unsigned int> &indexes) const
 {
     int rxPdos = 0, txPdos = 0;
     for (const unsigned int index : indexes) {
@@ -219,16 +234,22 @@ void COdictExportEdsPrivate::deviceInfo(const QList<unsigned int> &indexes)
         txPdos += index >= 0x1A00 && index <= 0x1BFF;
     }
     const quint32 version = odict ? odict->odictMetaData().version().value : 0;
-    lines << QStringLiteral("[DeviceInfo]")
+    out << QStringLiteral("[DeviceInfo]")
           << QStringLiteral("VendorName=") + (vendorName.isEmpty() ? odictName : vendorName)
           << QStringLiteral("ProductName=") + odictName
           << QStringLiteral("RevisionNumber=0x") + QString::number(version, 16).toUpper().rightJustified(8, QLatin1Char('0'));
     for (const int rate : {10, 20, 50, 125, 250, 500, 800, 1000})
-        lines << QStringLiteral("BaudRate_%1=1").arg(rate);
-    lines << QStringLiteral("SimpleBootUpMaster=0") << QStringLiteral("SimpleBootUpSlave=1")
+        out << QStringLiteral("BaudRate_%1=1").arg(rate);
+    out << QStringLiteral("SimpleBootUpMaster=0") << QStringLiteral("SimpleBootUpSlave=1")
           << QStringLiteral("Granularity=8") << QStringLiteral("DynamicChannelsSupported=0")
           << QStringLiteral("GroupMessaging=0") << QStringLiteral("NrOfRXPDO=%1").arg(rxPdos)
           << QStringLiteral("NrOfTXPDO=%1").arg(txPdos) << QStringLiteral("LSS_Supported=0") << QString();
+}
+
+QString COdictExportEdsPrivate::leftOutAt(int i) const
+{
+    const int start = i == 0 ? 0 : leftOutEnds.at(i - 1);
+    return QString::fromUtf8(leftOutTexts.constData() + start, leftOutEnds.at(i) - start);
 }
 
 QString COdictExportEdsPrivate::entryName(unsigned int index, unsigned int subIndex) const
@@ -241,7 +262,11 @@ QString COdictExportEdsPrivate::entryName(unsigned int index, unsigned int subIn
 
 void COdictExportEdsPrivate::leaveOut(const COdictObject &object, const QString &reason)
 {
-    leftOut.append(QStringLiteral("%1: %2").arg(object.longInfo(), reason));
+    if (m_noting)
+    {
+        leftOutTexts += QStringLiteral("%1: %2").arg(object.longInfo(), reason).toUtf8();
+        leftOutEnds.append(leftOutTexts.size());
+    }
 }
 
 bool COdictExportEdsPrivate::entryOf(const COdictObject &object, NTypes::eTypes_t type, sEntry_t &entry)
@@ -269,13 +294,12 @@ bool COdictExportEdsPrivate::entryOf(const COdictObject &object, NTypes::eTypes_
     return true;
 }
 
-QStringList COdictExportEdsPrivate::objectSection(unsigned int index, const COdictObject &object)
+bool COdictExportEdsPrivate::collect(const COdictObject &object, sEntries_t &entries)
 {
-    QList<sEntry_t> entries;
-    unsigned int objectType = 0x7;
+    entries.objectType = 0x7;
     const COdictObjectTree *tree = odict->objectTree();
     if (object.subIdCount() > 0) {
-        objectType = 0x9;
+        entries.objectType = 0x9;
         for (const unsigned int subId : object.subIdList()) {
             const COdictObject *sub = tree->objectPtr(object.id(), subId);
             if (!sub || sub->uniqueId() != COdictObjectId(object.id(), subId) || !sub->isValid() || sub->isVirtual())
@@ -288,22 +312,22 @@ QStringList COdictExportEdsPrivate::objectSection(unsigned int index, const COdi
             sEntry_t entry;
             entry.subIndex = subId;
             if (entryOf(*sub, sub->dataType(), entry))
-                entries.append(entry);
+                entries.list.append(entry);
         }
     } else if (object.isDS402DataType()) {
         const NTypes::eTypes_t part = COdictCanOpen::partType(object.dataType(), object.dataSize());
         const int parts = object.ds402PartCount();
         if (part == NTypes::E_UNKNOWN || parts < 1 || parts > 0xFE) {
             leaveOut(object, QStringLiteral("its %1 bytes do not divide into CANopen parts").arg(object.dataSize()));
-            return {};
+            return false;
         }
-        objectType = object.dataType() == NTypes::E_DS402_RECORD ? 0x9 : 0x8;
+        entries.objectType = object.dataType() == NTypes::E_DS402_RECORD ? 0x9 : 0x8;
         const QByteArray defaults = object.defaultValue().toByteArray();
         const int partSize = CDataTypeParser::typeSize(part);
         for (int i = 1; i <= parts; ++i) {
             sEntry_t entry;
             if (!entryOf(object, part, entry))
-                return {};
+                return false;
             entry.subIndex = i;
             entry.name = displayName(object).left(maxParameterName - 4) + QLatin1Char(' ') + QString::number(i);
             entry.low.clear();
@@ -311,64 +335,75 @@ QStringList COdictExportEdsPrivate::objectSection(unsigned int index, const COdi
             entry.value = defaults.size() >= i * partSize
                 ? valueText(CVariant(defaults.mid((i - 1) * partSize, partSize), part, 1), entry.dataType)
                 : QString();
-            entries.append(entry);
+            entries.list.append(entry);
         }
     } else {
         sEntry_t entry;
         entry.subIndex = COdictObject::NoId;
         if (!entryOf(object, object.dataType(), entry))
-            return {};
-        entries.append(entry);
+            return false;
+        entries.list.append(entry);
     }
+    return true;
+}
 
-    const auto addTexts = [this](const QString &title, const COdictObject &o) {
+void COdictExportEdsPrivate::valueTexts(const sSection_t &section, const sEntries_t &entries,
+                                        const std::function<void(const QString &)> &add) const
+{
+    const auto addTexts = [&add](const QString &title, const COdictObject &o) {
         const QString where = QLatin1Char('[') + title + QStringLiteral("] ");
         QStringList texts;
         for (const auto &e : o.enumData().enums())
             texts << QString::number(e.value) + QStringLiteral(" = ") + e.name;
         if (!texts.isEmpty())
-            m_valueTexts << where + o.name() + QStringLiteral(" values: ") + texts.join(QStringLiteral(", "));
+            add(where + o.name() + QStringLiteral(" values: ") + texts.join(QStringLiteral(", ")));
         texts.clear();
         for (const auto &b : o.bitSetData().bitSet())
             texts << QString::number(b.pos) + QStringLiteral(" = ") + b.name;
         if (!texts.isEmpty())
-            m_valueTexts << where + o.name() + QStringLiteral(" bits: ") + texts.join(QStringLiteral(", "));
+            add(where + o.name() + QStringLiteral(" bits: ") + texts.join(QStringLiteral(", ")));
     };
-    addTexts(entryName(index, COdictObject::NoId), object);
-
-    QStringList section;
-    const auto writeEntry = [&section](const QString &title, const sEntry_t &e) {
-        section << QLatin1Char('[') + title + QLatin1Char(']') << QStringLiteral("ParameterName=") + e.name
-                << QStringLiteral("ObjectType=0x7") << QStringLiteral("DataType=") + hex4(e.dataType)
-                << QStringLiteral("AccessType=") + e.access;
-        if (!e.low.isEmpty())
-            section << QStringLiteral("LowLimit=") + e.low;
-        if (!e.high.isEmpty())
-            section << QStringLiteral("HighLimit=") + e.high;
-        if (!e.value.isEmpty())
-            section << QStringLiteral("DefaultValue=") + e.value;
-        section << QStringLiteral("PDOMapping=%1").arg(e.pdo ? 1 : 0) << QString();
-    };
-    if (objectType == 0x7) {
-        writeEntry(entryName(index, COdictObject::NoId), entries.first());
-        return section;
+    const COdictObject &object = *section.object;
+    addTexts(entryName(section.index, COdictObject::NoId), object);
+    if (entries.objectType == 0x7 || object.subIdCount() == 0)
+        return;
+    const COdictObjectTree *tree = odict->objectTree();
+    for (const sEntry_t &e : entries.list) {
+        if (const COdictObject *sub = tree->objectPtr(object.id(), e.subIndex))
+            addTexts(entryName(section.index, e.subIndex), *sub);
     }
-    const unsigned int highest = entries.isEmpty() ? 0 : entries.last().subIndex;
-    section << QLatin1Char('[') + entryName(index, COdictObject::NoId) + QLatin1Char(']')
-            << QStringLiteral("ParameterName=") + displayName(object)
-            << QStringLiteral("ObjectType=0x%1").arg(objectType)
-            << QStringLiteral("SubNumber=%1").arg(entries.size() + 1) << QString();
+}
+
+void COdictExportEdsPrivate::writeSection(COdictLineSink &out, const sSection_t &section, const sEntries_t &entries) const
+{
+    const auto writeEntry = [&out](const QString &title, const sEntry_t &e) {
+        out << QLatin1Char('[') + title + QLatin1Char(']') << QStringLiteral("ParameterName=") + e.name
+            << QStringLiteral("ObjectType=0x7") << QStringLiteral("DataType=") + hex4(e.dataType)
+            << QStringLiteral("AccessType=") + e.access;
+        if (!e.low.isEmpty())
+            out << QStringLiteral("LowLimit=") + e.low;
+        if (!e.high.isEmpty())
+            out << QStringLiteral("HighLimit=") + e.high;
+        if (!e.value.isEmpty())
+            out << QStringLiteral("DefaultValue=") + e.value;
+        out << QStringLiteral("PDOMapping=%1").arg(e.pdo ? 1 : 0) << QString();
+    };
+    const unsigned int index = section.index;
+    if (entries.objectType == 0x7) {
+        writeEntry(entryName(index, COdictObject::NoId), entries.list.first());
+        return;
+    }
+    const unsigned int highest = entries.list.isEmpty() ? 0 : entries.list.last().subIndex;
+    out << QLatin1Char('[') + entryName(index, COdictObject::NoId) + QLatin1Char(']')
+        << QStringLiteral("ParameterName=") + displayName(*section.object)
+        << QStringLiteral("ObjectType=0x%1").arg(entries.objectType)
+        << QStringLiteral("SubNumber=%1").arg(entries.list.size() + 1) << QString();
     sEntry_t count;
     count.name = QStringLiteral("Highest sub-index supported");
     count.dataType = typeUnsigned8;
     count.access = QStringLiteral("ro");
     count.value = QString::number(highest);
     writeEntry(entryName(index, 0), count);
-    for (const sEntry_t &e : qAsConst(entries)) {
+    for (const sEntry_t &e : entries.list)
         writeEntry(entryName(index, e.subIndex), e);
-        const COdictObject *sub = object.subIdCount() > 0 ? tree->objectPtr(object.id(), e.subIndex) : nullptr;
-        if (sub)
-            addTexts(entryName(index, e.subIndex), *sub);
-    }
-    return section;
 }

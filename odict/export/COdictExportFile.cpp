@@ -60,19 +60,6 @@ QString elementLine(const QString &function, bool withAddress, const QString &va
     return line;
 }
 
-// The last list element must not be followed by a comma: the last comma of the last line becomes
-// a blank, so the columns stay aligned. The opening lines count as lines of the list.
-void closeList(QStringList &list)
-{
-    if (list.size() > 1) {
-        QString &last = list.last();
-        const int comma = last.lastIndexOf(QLatin1Char(','));
-        if (comma >= 0)
-            last[comma] = QLatin1Char(' ');
-    }
-    list << QStringLiteral("};");
-}
-
 QString hexVersion(unsigned int value, int digits)
 {
     return QStringLiteral("(0x") + QString::number(value, 16).rightJustified(digits, QLatin1Char('0')).toUpper()
@@ -104,31 +91,31 @@ bool COdictExportFilePrivate::exportToHeaderfile(const QString &fileName)
 {
     path = fileName;
     gather();
-    buildBanner(fileName);
-    guardOpen(fileName);
-    guardOpenLines = lines;
-    lines.clear();
-    buildTypeHeader();
-    buildGlobalDefinitions();
-    buildTypeDeclarations();
-    guardCloseLines << QStringLiteral("//!@}")
-                    << QStringLiteral("#endif /* ODICT_%1_H_ */").arg(baseName(fileName).toUpper()) << QString();
-    buildAccessFunctions();
-    buildObjects();
+    // Four passes over the objects: constants, sub-object arrays, DS301 lookup and DS301 table.
+    COdictLineSink out(fileName, COdictLineSink::E_F_SOURCE, progress(), 4 * qint64(objects.size()));
+    writeBanner(out, fileName);
+    guardOpen(out, fileName);
+    writeTypeHeader(out);
+    writeGlobalDefinitions(out);
+    writeTypeDeclarations(out);
+    out << QStringLiteral("//!@}") << QStringLiteral("#endif /* ODICT_%1_H_ */").arg(baseName(fileName).toUpper())
+        << QString();
+    out << QStringLiteral("#ifdef INCLUDED_FROM_ODICT_C");
+    writeAccessFunctions(out);
+    writeConstants(out);
+    out << QString();
+    writeSubObjectArrays(out);
+    writeTables(out);
+    out << QStringLiteral("#endif  /* INCLUDED_FROM_ODICT_C */");
 
-    lines = assemble();
-    const bool written = write(fileName);
-    lines.clear();
+    const bool written = out.commit();
     objects.clear();
+    structures.clear();
     return written;
 }
 
 void COdictExportFilePrivate::gather()
 {
-    for (QStringList *section : {&banner, &guardOpenLines, &typeHeader, &globals, &types, &guardCloseLines,
-                                 &accessFunctions, &constants, &objectTable, &ds402Table, &ds301Lookup, &ds301Table})
-        section->clear();
-    subObjectArrays.clear();
     structures.clear();
     structureById.clear();
     writableAccessTypes.clear();
@@ -156,26 +143,26 @@ void COdictExportFilePrivate::gather()
     }
 }
 
-void COdictExportFilePrivate::buildBanner(const QString &fileName)
+void COdictExportFilePrivate::writeBanner(COdictLineSink &out, const QString &fileName) const
 {
-    banner << QStringLiteral("/*!") << starLine() << QStringLiteral(" *")
-           << QStringLiteral(" * @file    ") + COdictExportBasePrivate::fileName(fileName) << QStringLiteral(" *")
-           << QStringLiteral(" * @brief   Automatically generated object directory") << QStringLiteral(" *")
-           << QStringLiteral(" * @author  obdEditor.exe") << QStringLiteral(" *")
-           << QStringLiteral(" * @version @v{ $Revision: 1.31 $ }") << QStringLiteral(" *")
-           << QStringLiteral(" * @date    ") + QLocale::system().toString(exportDate(), QLocale::ShortFormat)
-           << QStringLiteral(" *") << starLine() << QStringLiteral(" */") << QString();
+    out << QStringLiteral("/*!") << starLine() << QStringLiteral(" *")
+        << QStringLiteral(" * @file    ") + COdictExportBasePrivate::fileName(fileName) << QStringLiteral(" *")
+        << QStringLiteral(" * @brief   Automatically generated object directory") << QStringLiteral(" *")
+        << QStringLiteral(" * @author  obdEditor.exe") << QStringLiteral(" *")
+        << QStringLiteral(" * @version @v{ $Revision: 1.31 $ }") << QStringLiteral(" *")
+        << QStringLiteral(" * @date    ") + QLocale::system().toString(exportDate(), QLocale::ShortFormat)
+        << QStringLiteral(" *") << starLine() << QStringLiteral(" */") << QString();
 }
 
-void COdictExportFilePrivate::buildTypeHeader()
+void COdictExportFilePrivate::writeTypeHeader(COdictLineSink &out)
 {
-    typeHeader << QStringLiteral("/*!") << starLine() << QStringLiteral(" *")
-               << QStringLiteral(" * @ingroup   group_OdictTypes") << QStringLiteral(" *")
-               << QStringLiteral(" * @brief     Typ-Deklarationen") << QStringLiteral(" *") << QStringLiteral(" * @{")
-               << QStringLiteral(" *") << starLine() << QStringLiteral(" */") << QString();
+    out << QStringLiteral("/*!") << starLine() << QStringLiteral(" *")
+        << QStringLiteral(" * @ingroup   group_OdictTypes") << QStringLiteral(" *")
+        << QStringLiteral(" * @brief     Typ-Deklarationen") << QStringLiteral(" *") << QStringLiteral(" * @{")
+        << QStringLiteral(" *") << starLine() << QStringLiteral(" */") << QString();
 }
 
-void COdictExportFilePrivate::buildGlobalDefinitions()
+void COdictExportFilePrivate::writeGlobalDefinitions(COdictLineSink &out) const
 {
     const quint32 version = meta.version().value;
     const unsigned int main = version >> 24;
@@ -186,147 +173,150 @@ void COdictExportFilePrivate::buildGlobalDefinitions()
                                          meta.date().toString(QStringLiteral("dd.MM.yyyy")),
                                          meta.time().toString(QStringLiteral("HH:mm:ss")), meta.author());
 
-    globals << QStringLiteral("// ObjectDeclaration:") << QStringLiteral("// --- Global definitions ---")
-            << QStringLiteral("//! Name des Objektverzeichnisses")
-            << QStringLiteral("#define ODICT_NAME          ") + QLatin1Char('"') + odictName + QLatin1Char('"')
-            << QStringLiteral("//! Klasse des Objektverzeichnisses") << QStringLiteral("#define ODICT_CLASS          1")
-            << QStringLiteral("// Odict-Dateiversion: ") + fileVersion
-            << QStringLiteral("//! Odict-Hauptversion")
-            << QStringLiteral("#define ODICT_VERSION_MAIN   ") + hexVersion(main, 2)
-            << QStringLiteral("//! Odict-Nebenversion")
-            << QStringLiteral("#define ODICT_VERSION_MINOR  ") + hexVersion(minor, 2)
-            << QStringLiteral("//! Odict-Buildnummer")
-            << QStringLiteral("#define ODICT_VERSION_BUILD  ") + hexVersion(build, 4)
-            << QStringLiteral("//! Grösse der Objekttabelle bzw. die höchste Objektnummer minus 1")
-            << QStringLiteral("#define ODICT_SIZE           ") + QString::number(quint64(highestTableNumber) + 1)
-            << QString();
+    out << QStringLiteral("// ObjectDeclaration:") << QStringLiteral("// --- Global definitions ---")
+        << QStringLiteral("//! Name des Objektverzeichnisses")
+        << QStringLiteral("#define ODICT_NAME          ") + QLatin1Char('"') + odictName + QLatin1Char('"')
+        << QStringLiteral("//! Klasse des Objektverzeichnisses") << QStringLiteral("#define ODICT_CLASS          1")
+        << QStringLiteral("// Odict-Dateiversion: ") + fileVersion
+        << QStringLiteral("//! Odict-Hauptversion")
+        << QStringLiteral("#define ODICT_VERSION_MAIN   ") + hexVersion(main, 2)
+        << QStringLiteral("//! Odict-Nebenversion")
+        << QStringLiteral("#define ODICT_VERSION_MINOR  ") + hexVersion(minor, 2)
+        << QStringLiteral("//! Odict-Buildnummer")
+        << QStringLiteral("#define ODICT_VERSION_BUILD  ") + hexVersion(build, 4)
+        << QStringLiteral("//! Grösse der Objekttabelle bzw. die höchste Objektnummer minus 1")
+        << QStringLiteral("#define ODICT_SIZE           ") + QString::number(quint64(highestTableNumber) + 1)
+        << QString();
 }
 
-void COdictExportFilePrivate::buildTypeDeclarations()
+void COdictExportFilePrivate::writeTypeDeclarations(COdictLineSink &out) const
 {
     for (const Structure &structure : qAsConst(structures)) {
         if (structure.id == -1)
             continue;
-        types << QStringLiteral("// ") + structure.name + QStringLiteral(": ") + structure.description
-              << QStringLiteral("typedef struct") << QStringLiteral("{");
+        out << QStringLiteral("// ") + structure.name + QStringLiteral(": ") + structure.description
+            << QStringLiteral("typedef struct") << QStringLiteral("{");
         for (const COdictDataStructure::SDataStructureMember_t &member : structure.members)
-            types << QStringLiteral("     ") + member.cType.leftJustified(20) + QLatin1Char(' ') + member.name + QLatin1Char(';');
-        types << QStringLiteral("} ODICT_") + structure.name + QStringLiteral("_t;") << QString();
+            out << QStringLiteral("     ") + member.cType.leftJustified(20) + QLatin1Char(' ') + member.name + QLatin1Char(';');
+        out << QStringLiteral("} ODICT_") + structure.name + QStringLiteral("_t;") << QString();
     }
 }
 
-void COdictExportFilePrivate::buildAccessFunctions()
+void COdictExportFilePrivate::writeAccessFunctions(COdictLineSink &out) const
 {
     for (const Structure &structure : qAsConst(structures)) {
         const QString constant = QStringLiteral("ODICT_Fct_") + structure.name;
         const QString read = QStringLiteral("ODICT_AccessFctRead_") + structure.name;
         const QString write = QStringLiteral("ODICT_AccessFctWrite_")
             + (writableAccessTypes.contains(structure.id) ? structure.name : QStringLiteral("NoAccess"));
-        accessFunctions << QStringLiteral("//! @brief   Objektzugriffsfunktion ") + constant
-                        << QStringLiteral("//! @ingroup group_ObjFunctions")
-                        << QStringLiteral("const ODICT_T_AccessFct ") + constant.leftJustified(35) + QStringLiteral(" = {")
-                               + read.leftJustified(42) + QStringLiteral(", ") + write.leftJustified(42)
-                               + QStringLiteral("};");
+        out << QStringLiteral("//! @brief   Objektzugriffsfunktion ") + constant
+            << QStringLiteral("//! @ingroup group_ObjFunctions")
+            << QStringLiteral("const ODICT_T_AccessFct ") + constant.leftJustified(35) + QStringLiteral(" = {")
+                   + read.leftJustified(42) + QStringLiteral(", ") + write.leftJustified(42) + QStringLiteral("};");
     }
-    accessFunctions << QString() << QString();
+    out << QString() << QString();
 }
 
-void COdictExportFilePrivate::buildObjects()
+void COdictExportFilePrivate::writeConstants(COdictLineSink &out) const
 {
-    objectTable << QStringLiteral("const ODICT_T_ObjDictElementVarBase ODICT_ObjectDictVarBase[ODICT_SIZE] =")
-                << QStringLiteral("{");
-    ds402Table << QStringLiteral("const ODICT_T_ObjDictElementVarBase ODICT_DS402VarBase[] =") << QStringLiteral("{");
-    ds301Lookup << QStringLiteral("const uint32_t ODICT_DS301LockupBase[] =") << QStringLiteral("{");
-    ds301Table << QStringLiteral("const ODICT_T_ObjDictElementVarBase ODICT_DS301VarBase[] =") << QStringLiteral("{");
+    // Constants only concern valid objects, so they come from the objects that exist rather
+    // than from every number up to the highest id.
+    for (const auto &entry : qAsConst(objects)) {
+        const COdictEditorObject *object = entry.second;
+        if (isValid(object)) {
+            addConstant(out, *object);
+            for (const unsigned int subId : object->subIdList()) {
+                // A sub-object's key has no room for sub-objects of its own: the walk ends here.
+                const COdictEditorObject *sub = editorObjectAt(COdictObjectId(entry.first, subId));
+                if (isValid(sub))
+                    addConstant(out, *sub);
+            }
+        }
+        out.advance();
+    }
+}
 
+void COdictExportFilePrivate::writeSubObjectArrays(COdictLineSink &out) const
+{
+    for (const auto &entry : qAsConst(objects)) {
+        const quint32 number = entry.first;
+        const COdictEditorObject *object = entry.second;
+        if (isValid(object) && object->subIdCount() != 0) {
+            const quint64 highestSubId = object->highestSubId();
+            COdictListWriter list(out, QStringLiteral("const ODICT_T_ObjDictElementVarBase ") + subObjectArrayName(*object)
+                                           + QLatin1Char('[') + QString::number(highestSubId + 2) + QStringLiteral("] ="));
+            list.add(row(object, number, false));
+            // The array is indexed by sub-id: gaps get placeholder rows.
+            for (quint64 subId = 0; subId <= highestSubId; ++subId) {
+                const COdictEditorObject *sub = editorObjectAt(COdictObjectId(number, quint32(subId)));
+                list.add(row(isValid(sub) ? sub : nullptr, quint32(subId), true));
+            }
+            list.close();
+            out << QString();
+        }
+        out.advance();
+    }
+}
+
+void COdictExportFilePrivate::writeTables(COdictLineSink &out) const
+{
     // A row of the object or DS402 table: every number gets one, a placeholder when no valid
     // object has it, so that those tables can be indexed by number.
-    auto tableRow = [this](quint32 number) {
+    const auto tableRow = [this](quint32 number) {
         const COdictEditorObject *object = editorObjectAt(COdictObjectId(number));
         if (isValid(object) && object->subIdCount() != 0)
             return headRow(*object, number);
         return row(isValid(object) ? object : nullptr, number, false);
     };
+    COdictListWriter objectTable(out, QStringLiteral("const ODICT_T_ObjDictElementVarBase ODICT_ObjectDictVarBase[ODICT_SIZE] ="));
     for (quint64 n = 0; n <= highestTableNumber && n < objectCount; ++n)
-        objectTable << tableRow(quint32(n));
+        objectTable.add(tableRow(quint32(n)));
+    objectTable.close();
+    out << QString();
+
+    COdictListWriter ds402Table(out, QStringLiteral("const ODICT_T_ObjDictElementVarBase ODICT_DS402VarBase[] ="));
     for (quint64 n = ds402First; n <= ds402Last && n < objectCount; ++n)
-        ds402Table << tableRow(quint32(n));
+        ds402Table.add(tableRow(quint32(n)));
+    ds402Table.close();
+    out << QString();
 
-    // Constants, sub-object arrays and the DS301 lists only concern valid objects, so they are
-    // built from the objects that exist rather than from every number up to the highest id.
+    // The DS301 lists hold the valid objects above the object table outside the DS402 range.
+    const auto isDs301 = [this](quint32 n, const COdictEditorObject *object) {
+        return isValid(object) && n > highestTableNumber && (n < ds402First || n > ds402Last);
+    };
+    COdictListWriter lookup(out, QStringLiteral("const uint32_t ODICT_DS301LockupBase[] ="));
     for (const auto &entry : qAsConst(objects)) {
-        const quint32 n = entry.first;
-        const COdictEditorObject *object = entry.second;
-        if (!isValid(object))
-            continue;
-        addConstant(*object);
-        for (const unsigned int subId : object->subIdList()) {
-            // A sub-object's key has no room for sub-objects of its own: the walk ends here.
-            const COdictEditorObject *sub = editorObjectAt(COdictObjectId(n, subId));
-            if (isValid(sub))
-                addConstant(*sub);
+        if (isDs301(entry.first, entry.second)) {
+            lookup.add(QStringLiteral("    0x") + QString::number(entry.first, 16).rightJustified(8, QLatin1Char('0'))
+                       + QStringLiteral(",    // ") + entry.second->name());
         }
-        if (n > highestTableNumber && (n < ds402First || n > ds402Last)) {
-            ds301Lookup << QStringLiteral("    0x") + QString::number(n, 16).rightJustified(8, QLatin1Char('0'))
-                    + QStringLiteral(",    // ") + object->name();
-            ds301Table << (object->subIdCount() != 0 ? headRow(*object, n) : row(object, n, false));
-        }
-        if (object->subIdCount() != 0)
-            addSubObjectArray(n, *object);
+        out.advance();
     }
+    lookup.close();
+    out << QString();
 
-    for (QStringList *table : {&objectTable, &ds402Table, &ds301Lookup, &ds301Table})
-        closeList(*table);
+    COdictListWriter ds301Table(out, QStringLiteral("const ODICT_T_ObjDictElementVarBase ODICT_DS301VarBase[] ="));
+    for (const auto &entry : qAsConst(objects)) {
+        const COdictEditorObject *object = entry.second;
+        if (isDs301(entry.first, object))
+            ds301Table.add(object->subIdCount() != 0 ? headRow(*object, entry.first) : row(object, entry.first, false));
+        out.advance();
+    }
+    ds301Table.close();
 }
 
-void COdictExportFilePrivate::addConstant(const COdictEditorObject &object)
+void COdictExportFilePrivate::addConstant(COdictLineSink &out, const COdictEditorObject &object) const
 {
     const Structure &structure = structureOf(object.accessType());
     QStringList values;
     values.reserve(structure.members.size());
     for (const COdictDataStructure::SDataStructureMember_t &member : structure.members)
         values << COdictDataStructure::initialValue(member, object);
-    constants << QStringLiteral("/*! Object ") + object.name() << QStringLiteral(" * @ingroup group_Objects */")
-              << QStringLiteral("const ") + typeName(object).leftJustified(30) + QLatin1Char(' ')
-                     + variableName(object).leftJustified(75) + QStringLiteral(" = {")
-                     + values.join(QStringLiteral(", ")) + QStringLiteral("};")
-              << QString();
-}
-
-void COdictExportFilePrivate::addSubObjectArray(quint32 number, const COdictEditorObject &object)
-{
-    const quint64 highestSubId = object.highestSubId();
-    QStringList block;
-    block << QStringLiteral("const ODICT_T_ObjDictElementVarBase ") + subObjectArrayName(object) + QLatin1Char('[')
-            + QString::number(highestSubId + 2) + QStringLiteral("] =")
-          << QStringLiteral("{") << row(&object, number, false);
-    // The array is indexed by sub-id: gaps get placeholder rows.
-    for (quint64 subId = 0; subId <= highestSubId; ++subId) {
-        const COdictEditorObject *sub = editorObjectAt(COdictObjectId(number, quint32(subId)));
-        block << row(isValid(sub) ? sub : nullptr, quint32(subId), true);
-    }
-    closeList(block);
-    subObjectArrays << block;
-}
-
-QStringList COdictExportFilePrivate::assemble() const
-{
-    QStringList out;
-    int total = banner.size() + guardOpenLines.size() + typeHeader.size() + globals.size() + types.size()
-        + guardCloseLines.size() + accessFunctions.size() + constants.size() + objectTable.size()
-        + ds402Table.size() + ds301Lookup.size() + ds301Table.size() + 8;
-    for (const QStringList &block : subObjectArrays)
-        total += block.size() + 1;
-    out.reserve(total);
-
-    out << banner << guardOpenLines << typeHeader << globals << types << guardCloseLines;
-    out << QStringLiteral("#ifdef INCLUDED_FROM_ODICT_C");
-    out << accessFunctions << constants << QString();
-    for (const QStringList &block : subObjectArrays)
-        out << block << QString();
-    out << objectTable << QString() << ds402Table << QString() << ds301Lookup << QString() << ds301Table;
-    out << QStringLiteral("#endif  /* INCLUDED_FROM_ODICT_C */");
-    return out;
+    out << QStringLiteral("/*! Object ") + object.name() << QStringLiteral(" * @ingroup group_Objects */")
+        << QStringLiteral("const ") + typeName(object).leftJustified(30) + QLatin1Char(' ')
+               + variableName(object).leftJustified(75) + QStringLiteral(" = {") + values.join(QStringLiteral(", "))
+               + QStringLiteral("};")
+        << QString();
 }
 
 const COdictExportFilePrivate::Structure &COdictExportFilePrivate::structureOf(int accessType) const

@@ -7,8 +7,9 @@
 #include <QHash>
 #include <QSet>
 
-/// State of one header export: one line list per section of the file, and the scalars gathered
-/// before the sections are built. Everything is reset at the start of each export.
+/// One header export: the scalars and the list of plain objects gathered first, then the
+/// sections written in file order, each in one pass over the objects (the object and DS402
+/// tables visit every number of their range, as they are indexed by number).
 class COdictExportFilePrivate : public COdictExportBasePrivate
 {
 public:
@@ -20,15 +21,17 @@ public:
 
 private:
     void gather();
-    void buildBanner(const QString &fileName);
-    void buildTypeHeader();
-    void buildGlobalDefinitions();
-    void buildTypeDeclarations();
-    void buildAccessFunctions();
-    void buildObjects();
-    void addConstant(const COdictEditorObject &object);
-    void addSubObjectArray(quint32 number, const COdictEditorObject &object);
-    QStringList assemble() const;
+    void writeBanner(COdictLineSink &out, const QString &fileName) const;
+    static void writeTypeHeader(COdictLineSink &out);
+    void writeGlobalDefinitions(COdictLineSink &out) const;
+    void writeTypeDeclarations(COdictLineSink &out) const;
+    void writeAccessFunctions(COdictLineSink &out) const;
+    void writeConstants(COdictLineSink &out) const;
+    /// One array per valid object with sub-objects, each followed by an empty line.
+    void writeSubObjectArrays(COdictLineSink &out) const;
+    /// The object, DS402, DS301 lookup and DS301 tables, separated by empty lines.
+    void writeTables(COdictLineSink &out) const;
+    void addConstant(COdictLineSink &out, const COdictEditorObject &object) const;
 
     /// The structure an access type selects; an empty one for an unknown type.
     const Structure &structureOf(int accessType) const;
@@ -37,22 +40,6 @@ private:
     QString row(const COdictEditorObject *object, quint32 number, bool sub) const;
     QString headRow(const COdictEditorObject &object, quint32 number) const;
 
-    // Sections, in file order.
-    QStringList banner;
-    QStringList guardOpenLines;
-    QStringList typeHeader;
-    QStringList globals;
-    QStringList types;
-    QStringList guardCloseLines;
-    QStringList accessFunctions;
-    QStringList constants;
-    QList<QStringList> subObjectArrays;
-    QStringList objectTable;
-    QStringList ds402Table;
-    QStringList ds301Lookup;
-    QStringList ds301Table;
-
-    // Scalars.
     CXMLMetaData meta;
     quint32 highestTableNumber = 0;
     QList<Structure> structures;

@@ -61,48 +61,45 @@ bool COdictExportObjectIdsPrivate::exportToEnum(const QString &directory)
 {
     path = targetPath(directory, QStringLiteral("NkrObjectIds.h"));
     prepare();
-    fileBanner(path, QStringLiteral("Automatisch generierte Headerdatei"));
-    guardOpen(path);
-    namespaceBanner(path, QStringLiteral("Für den vereinfachten Zugriff auf die Objekt-ID's"), detailLines());
+    const QList<QPair<quint32, const COdictEditorObject *>> objects = plainObjects();
+    COdictLineSink out(path, COdictLineSink::E_F_SOURCE, progress(), objects.size());
+    fileBanner(out, path, QStringLiteral("Automatisch generierte Headerdatei"));
+    guardOpen(out, path);
+    namespaceBanner(out, path, QStringLiteral("Für den vereinfachten Zugriff auf die Objekt-ID's"), detailLines());
 
     const QString name = baseName(path);
-    lines << QStringLiteral("// C-Kompatibel") << QStringLiteral("#ifdef __cplusplus") << QString()
-          << QStringLiteral("#include \"arch/NTypes.h\"") << QString() << QStringLiteral("namespace ") + name
-          << QStringLiteral("{") << QString() << QStringLiteral("#endif  // __cplusplus") << QString();
-    buildEnumeration();
-    lines << QString() << QStringLiteral("#ifdef __cplusplus") << QString() << QStringLiteral("};")
-          << QStringLiteral("namespace NID = ") + name + QLatin1Char(';') << QString()
-          << QStringLiteral("#endif  // __cplusplus") << QString();
-    guardClose(path);
+    out << QStringLiteral("// C-Kompatibel") << QStringLiteral("#ifdef __cplusplus") << QString()
+        << QStringLiteral("#include \"arch/NTypes.h\"") << QString() << QStringLiteral("namespace ") + name
+        << QStringLiteral("{") << QString() << QStringLiteral("#endif  // __cplusplus") << QString();
 
-    const bool written = write(path);
-    lines.clear();
-    return written;
-}
-
-void COdictExportObjectIdsPrivate::buildEnumeration()
-{
-    lines << indent4 + QStringLiteral("//! Verfügbare Objekte") << indent4 + QStringLiteral("enum eObjectId_t")
-          << indent4 + QStringLiteral("{");
-    for (const auto &entry : plainObjects()) {
+    out << indent4 + QStringLiteral("//! Verfügbare Objekte") << indent4 + QStringLiteral("enum eObjectId_t")
+        << indent4 + QStringLiteral("{");
+    for (const auto &entry : objects) {
         const COdictEditorObject *object = entry.second;
-        if (!object || !object->isValid())
-            continue;
-        addConstant(*object);
-        // Sub-ids listed by the object but without a valid sub-object have nothing to name.
-        for (const unsigned int subId : object->subIdList()) {
-            const COdictEditorObject *sub = editorObjectAt(COdictObjectId(entry.first, subId));
-            if (sub && sub->isValid())
-                addConstant(*sub);
+        if (object && object->isValid()) {
+            addConstant(out, *object);
+            // Sub-ids listed by the object but without a valid sub-object have nothing to name.
+            for (const unsigned int subId : object->subIdList()) {
+                const COdictEditorObject *sub = editorObjectAt(COdictObjectId(entry.first, subId));
+                if (sub && sub->isValid())
+                    addConstant(out, *sub);
+            }
         }
+        out.advance();
     }
-    lines << QStringLiteral("#ifdef __cplusplus")
-          << indent8 + QStringLiteral("//! Interne Konstante für eine undefinierte Objekt-ID")
-          << indent8 + QStringLiteral("E_U32_MAX_UNKOWN").leftJustified(66) + QStringLiteral(" = NTypes::U32_MAX,")
-          << QStringLiteral("#endif  // __cplusplus") << indent4 + QStringLiteral("};");
+    out << QStringLiteral("#ifdef __cplusplus")
+        << indent8 + QStringLiteral("//! Interne Konstante für eine undefinierte Objekt-ID")
+        << indent8 + QStringLiteral("E_U32_MAX_UNKOWN").leftJustified(66) + QStringLiteral(" = NTypes::U32_MAX,")
+        << QStringLiteral("#endif  // __cplusplus") << indent4 + QStringLiteral("};");
+
+    out << QString() << QStringLiteral("#ifdef __cplusplus") << QString() << QStringLiteral("};")
+        << QStringLiteral("namespace NID = ") + name + QLatin1Char(';') << QString()
+        << QStringLiteral("#endif  // __cplusplus") << QString();
+    guardClose(out, path);
+    return out.commit();
 }
 
-void COdictExportObjectIdsPrivate::addConstant(const COdictEditorObject &object)
+void COdictExportObjectIdsPrivate::addConstant(COdictLineSink &out, const COdictEditorObject &object)
 {
     QString name = QStringLiteral("E_") + QString::number(object.id()) + QLatin1Char('_');
     quint64 value = object.id();
@@ -111,6 +108,6 @@ void COdictExportObjectIdsPrivate::addConstant(const COdictEditorObject &object)
         value = COdictObjectId(object.id(), object.subId()).toU64();
     }
     name += object.name();
-    lines << indent8 + name.leftJustified(66) + QStringLiteral(" = ") + QString::number(value).rightJustified(15)
+    out << indent8 + name.leftJustified(66) + QStringLiteral(" = ") + QString::number(value).rightJustified(15)
             + QStringLiteral(",  //!< ") + object.uiName();
 }

@@ -2,7 +2,8 @@
 
 #include "COdictExportBase_p.h"
 
-/// State of one enumeration export: the frame's lines and the enumeration builder.
+/// One enumeration export: the frame, and one constant per object and sub-object written as the
+/// objects are visited.
 class COdictExportObjectIdsPrivate : public COdictExportBasePrivate
 {
 public:
@@ -11,6 +12,5 @@ public:
     bool exportToEnum(const QString &directory);
 
 private:
-    void buildEnumeration();
-    void addConstant(const COdictEditorObject &object);
+    static void addConstant(COdictLineSink &out, const COdictEditorObject &object);
 };

@@ -4,7 +4,7 @@
 
 #include "COdictItem.h"
 
-/// State of one translation export: the frame's lines and the tree walk.
+/// One translation export: the frame and the tree walk, each item written as it is visited.
 class COdictExportTranslationPrivate : public COdictExportBasePrivate
 {
 public:
@@ -13,6 +13,6 @@ public:
     bool exportToTranslate(const QString &directory);
 
 private:
-    void addNode(const COdictNode &node);
-    void addTranslation(const QString &text);
+    static void addNode(COdictLineSink &out, const COdictNode &node);
+    static void addTranslation(COdictLineSink &out, const QString &text);
 };
