@@ -24,6 +24,16 @@ bool isIntegerType(NTypes::eTypes_t type)
     return type == NTypes::E_BOOL || CVariant::isSignedType(type) || CVariant::isUnsignedType(type);
 }
 
+// Writes one of the Y limits; the rare block is allocated for a value other than the default
+// and released when the last rare field returns to its default.
+void setRareValue(COdictObjectPrivate &p, CVariant COdictObjectRareFields::*field, const CVariant &value)
+{
+    if (p.rare().*field == value)
+        return;
+    p.rareForWrite().*field = value;
+    p.releaseRareIfDefault();
+}
+
 bool bitOf(const QByteArray &bytes, unsigned int pos)
 {
     const unsigned int byte = pos / 8;
@@ -81,7 +91,7 @@ QString COdictObject::valueToStr(const CVariant &value, bool withUnit) const
     bool ok = false;
     const qint64 number = integer ? value.toI64(&ok) : 0;
     if (ok && hasEnum()) {
-        text = d->enumData.name(number);
+        text = d->rare().enumData.name(number);
     } else if (hasBitSet() && (integer || CVariant::isByteType(type))) {
         const QByteArray bytes = value.toByteArray();
         QStringList names;
@@ -89,7 +99,7 @@ QString COdictObject::valueToStr(const CVariant &value, bool withUnit) const
         for (unsigned int pos = 0; pos < bitCount; ++pos) {
             if (!bitOf(bytes, pos))
                 continue;
-            const QString name = d->bitSetData.name(pos);
+            const QString name = d->rare().bitSetData.name(pos);
             names << (name.isEmpty() ? QCoreApplication::translate("COdictObject", "Bit %1").arg(pos) : name);
         }
         text = names.isEmpty() ? QStringLiteral("0") : names.join(QLatin1String(", "));
@@ -229,16 +239,32 @@ void COdictObject::setUserlevelVisible(unsigned int level) { d->userlevelVisible
 int COdictObject::digits() const { return d->digits; }
 void COdictObject::setDigits(int digits) { d->digits = digits; }
 
-COdictObjectEnum COdictObject::enumData() const { return d->enumData; }
-void COdictObject::setEnumData(const COdictObjectEnum &enumData) { d->enumData = enumData; }
-const COdictObjectEnum *COdictObject::enumDataPtr() const { return &d->enumData; }
-COdictObjectEnum *COdictObject::enumDataPtr() { return &d->enumData; }
-COdictObjectBitSet COdictObject::bitSetData() const { return d->bitSetData; }
-void COdictObject::setBitSetData(const COdictObjectBitSet &bitSetData) { d->bitSetData = bitSetData; }
-const COdictObjectBitSet *COdictObject::bitSetDataPtr() const { return &d->bitSetData; }
-COdictObjectBitSet *COdictObject::bitSetDataPtr() { return &d->bitSetData; }
-bool COdictObject::hasEnum() const { return !d->enumData.isEmpty(); }
-bool COdictObject::hasBitSet() const { return !d->bitSetData.isEmpty(); }
+COdictObjectEnum COdictObject::enumData() const { return d->rare().enumData; }
+void COdictObject::setEnumData(const COdictObjectEnum &enumData)
+{
+    if (enumData.isEmpty() && !d.constData()->rare().enumData.isEmpty()) {
+        d->rareForWrite().enumData = enumData;
+        d->releaseRareIfDefault();
+    } else if (!enumData.isEmpty()) {
+        d->rareForWrite().enumData = enumData;
+    }
+}
+const COdictObjectEnum *COdictObject::enumDataPtr() const { return &d->rare().enumData; }
+COdictObjectEnum *COdictObject::enumDataPtr() { return &d->rareForWrite().enumData; }
+COdictObjectBitSet COdictObject::bitSetData() const { return d->rare().bitSetData; }
+void COdictObject::setBitSetData(const COdictObjectBitSet &bitSetData)
+{
+    if (bitSetData.isEmpty() && !d.constData()->rare().bitSetData.isEmpty()) {
+        d->rareForWrite().bitSetData = bitSetData;
+        d->releaseRareIfDefault();
+    } else if (!bitSetData.isEmpty()) {
+        d->rareForWrite().bitSetData = bitSetData;
+    }
+}
+const COdictObjectBitSet *COdictObject::bitSetDataPtr() const { return &d->rare().bitSetData; }
+COdictObjectBitSet *COdictObject::bitSetDataPtr() { return &d->rareForWrite().bitSetData; }
+bool COdictObject::hasEnum() const { return !d->rare().enumData.isEmpty(); }
+bool COdictObject::hasBitSet() const { return !d->rare().bitSetData.isEmpty(); }
 bool COdictObject::hasEnumOrBitSet() const { return hasEnum() || hasBitSet(); }
 
 CVariant COdictObject::minValue() const { return d->minValue; }
@@ -269,27 +295,27 @@ CVariant COdictObject::defaultValue(bool expandArray) const
 CVariant COdictObject::xMinValue() const { return d->minValue; }
 CVariant COdictObject::xMaxValue() const { return d->maxValue; }
 CVariant COdictObject::xDefaultValue() const { return d->defaultValue; }
-CVariant COdictObject::yMinValue() const { return d->yMinValue; }
-CVariant COdictObject::yMaxValue() const { return d->yMaxValue; }
-CVariant COdictObject::yDefaultValue() const { return d->yDefaultValue; }
+CVariant COdictObject::yMinValue() const { return d->rare().yMinValue; }
+CVariant COdictObject::yMaxValue() const { return d->rare().yMaxValue; }
+CVariant COdictObject::yDefaultValue() const { return d->rare().yDefaultValue; }
 CVariant COdictObject::getMinValue() const { return d->maxValue; } // the maximum, on purpose
 CVariant COdictObject::getMaxValue() const { return d->maxValue; }
 CVariant COdictObject::getDefaultValue() const { return d->defaultValue; }
 CVariant COdictObject::getXMinValue() const { return d->minValue; }
 CVariant COdictObject::getXMaxValue() const { return d->maxValue; }
 CVariant COdictObject::getXDefaultValue() const { return d->defaultValue; }
-CVariant COdictObject::getYMinValue() const { return d->yMinValue; }
-CVariant COdictObject::getYMaxValue() const { return d->yMaxValue; }
-CVariant COdictObject::getYDefaultValue() const { return d->yDefaultValue; }
+CVariant COdictObject::getYMinValue() const { return d->rare().yMinValue; }
+CVariant COdictObject::getYMaxValue() const { return d->rare().yMaxValue; }
+CVariant COdictObject::getYDefaultValue() const { return d->rare().yDefaultValue; }
 void COdictObject::setMinValue(const CVariant &value) { d->minValue = value; }
 void COdictObject::setMaxValue(const CVariant &value) { d->maxValue = value; }
 void COdictObject::setDefaultValue(const CVariant &value) { d->defaultValue = value; }
 void COdictObject::setXMinValue(const CVariant &value) { d->minValue = value; }
 void COdictObject::setXMaxValue(const CVariant &value) { d->maxValue = value; }
 void COdictObject::setXDefaultValue(const CVariant &value) { d->defaultValue = value; }
-void COdictObject::setYMinValue(const CVariant &value) { d->yMinValue = value; }
-void COdictObject::setYMaxValue(const CVariant &value) { d->yMaxValue = value; }
-void COdictObject::setYDefaultValue(const CVariant &value) { d->yDefaultValue = value; }
+void COdictObject::setYMinValue(const CVariant &value) { setRareValue(*d, &COdictObjectRareFields::yMinValue, value); }
+void COdictObject::setYMaxValue(const CVariant &value) { setRareValue(*d, &COdictObjectRareFields::yMaxValue, value); }
+void COdictObject::setYDefaultValue(const CVariant &value) { setRareValue(*d, &COdictObjectRareFields::yDefaultValue, value); }
 QString COdictObject::minValueAsStr(bool withUnit) const { return valueToStr(d->minValue, withUnit); }
 QString COdictObject::maxValueAsStr(bool withUnit) const { return valueToStr(d->maxValue, withUnit); }
 QString COdictObject::defaultValueAsStr(bool withUnit) const { return valueToStr(d->defaultValue, withUnit); }
@@ -355,7 +381,7 @@ bool COdictObject::couldHaveVirtualSubObjects() const
 QList<unsigned int> COdictObject::possibleVirtualSubIds() const
 {
     if (hasBitSet())
-        return d->bitSetData.positions();
+        return d->rare().bitSetData.positions();
     QList<unsigned int> ids;
     const unsigned int elementSize = CDataTypeParser::typeSize(NTypes::E_I32);
     if (d->dataType == NTypes::E_XY && elementSize != 0 && d->dataSize <= kMaxExpandedSize) {
@@ -382,9 +408,9 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
     const COdictObjectPrivate &o = *owner.d;
 
     if (owner.hasBitSet()) {
-        if (!o.bitSetData.contains(subId))
+        if (!o.rare().bitSetData.contains(subId))
             return false;
-        const QString text = o.bitSetData.name(subId);
+        const QString text = o.rare().bitSetData.name(subId);
         CVariant bitDefault(NTypes::E_BOOL);
         if (!o.defaultValue.isNull()) {
             const QByteArray bytes = o.defaultValue.toByteArray();
@@ -395,8 +421,11 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
         p.name = text;
         p.uiName = text;
         p.uiShortName = text;
-        p.enumData = COdictObjectEnum();
-        p.bitSetData = COdictObjectBitSet();
+        if (p.rare().hasEnumOrBitSet()) {
+            COdictObjectRareFields &rare = p.rareForWrite();
+            rare.enumData = COdictObjectEnum();
+            rare.bitSetData = COdictObjectBitSet();
+        }
         p.dataType = NTypes::E_BOOL;
         p.dataSize = 1;
         p.arrayLength = 1;
@@ -414,19 +443,23 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
         p.name = text;
         p.uiName = text;
         p.uiShortName = text;
-        p.enumData = COdictObjectEnum();
+        if (!p.rare().enumData.isEmpty())
+            p.rareForWrite().enumData = COdictObjectEnum();
         p.dataType = NTypes::E_I32;
         p.dataSize = elementSize;
         p.arrayLength = 1;
         if (!isX) {
-            p.minValue = o.yMinValue;
-            p.maxValue = o.yMaxValue;
-            p.defaultValue = o.yDefaultValue;
+            p.minValue = o.rare().yMinValue;
+            p.maxValue = o.rare().yMaxValue;
+            p.defaultValue = o.rare().yDefaultValue;
             p.unit = o.yUnit;
         }
-        p.yMinValue = CVariant();
-        p.yMaxValue = CVariant();
-        p.yDefaultValue = CVariant();
+        if (p.hasRare()) {
+            COdictObjectRareFields &rare = p.rareForWrite();
+            rare.yMinValue = CVariant();
+            rare.yMaxValue = CVariant();
+            rare.yDefaultValue = CVariant();
+        }
         p.yUnit = kNone;
     } else {
         return false;
@@ -436,6 +469,7 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
     p.subId = subId;
     p.subIdList.clear();
     p.isVirtual = true;
+    p.releaseRareIfDefault();
     return true;
 }
 
@@ -490,9 +524,9 @@ QDataStream &operator<<(QDataStream &out, const COdictObject &object)
         << quint32(p.arrayLength)
         << quint32(p.userlevelRead) << quint32(p.userlevelWrite) << quint32(p.userlevelVisible)
         << qint32(p.digits)
-        << p.enumData << p.bitSetData
+        << p.rare().enumData << p.rare().bitSetData
         << p.minValue << p.maxValue << p.defaultValue
-        << p.yMinValue << p.yMaxValue << p.yDefaultValue
+        << p.rare().yMinValue << p.rare().yMaxValue << p.rare().yDefaultValue
         << quint32(p.objectUsage)
         << quint32(p.subIdList.size());
     for (const unsigned int subId : p.subIdList)
@@ -510,6 +544,7 @@ QDataStream &operator>>(QDataStream &in, COdictObject &object)
     quint32 dataType = 0;
     quint32 accessRights = 0;
     quint32 usage = 0;
+    COdictObjectRareFields rare;
     in >> p.refId >> p.id >> p.subId >> build >> minor >> main
         >> p.ds402Id >> p.profinetId
         >> p.name >> p.uiName >> p.uiShortName
@@ -517,10 +552,11 @@ QDataStream &operator>>(QDataStream &in, COdictObject &object)
         >> dataType >> p.dataSize >> accessRights >> p.arrayLength
         >> p.userlevelRead >> p.userlevelWrite >> p.userlevelVisible
         >> p.digits
-        >> p.enumData >> p.bitSetData
+        >> rare.enumData >> rare.bitSetData
         >> p.minValue >> p.maxValue >> p.defaultValue
-        >> p.yMinValue >> p.yMaxValue >> p.yDefaultValue
+        >> rare.yMinValue >> rare.yMaxValue >> rare.yDefaultValue
         >> usage;
+    p.setRare(rare);
     p.version = NTypes::uVersion_t::fromParts(main, minor, build);
     p.dataType = NTypes::eTypes_t(dataType);
     p.accessRights = NkrOdict::AccessRightFlags(NkrOdict::eAccessRight_t(accessRights));
