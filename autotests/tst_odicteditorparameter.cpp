@@ -75,6 +75,83 @@ private slots:
         checkTruncatedFails<COdictEditorObject>(bytes);
     }
 
+    void editorTexts_data()
+    {
+        QTest::addColumn<int>("which");
+        QTest::addColumn<QString>("text");
+
+        const QString wide = QStringLiteral("Drehzahl \u8F6C\u901F");
+        for (int which = 0; which < 5; ++which) {
+            const QByteArray n = QByteArray::number(which);
+            QTest::newRow("Latin-1 " + n) << which << QStringLiteral("\u00DCbertemperatur L\u00FCfter");
+            QTest::newRow("wide " + n) << which << wide;
+            QTest::newRow("empty " + n) << which << QStringLiteral("");
+            QTest::newRow("null " + n) << which << QString();
+        }
+    }
+
+    void editorTexts()
+    {
+        // Each text is set over others of every kind, replaced and given back exactly; the
+        // others stay as they were, null and empty apart.
+        QFETCH(int, which);
+        QFETCH(QString, text);
+
+        using Getter = QString (COdictEditorObject::*)() const;
+        using Setter = void (COdictEditorObject::*)(const QString &);
+        const Getter get[] = {&COdictEditorObject::defString, &COdictEditorObject::fwVariablename,
+                              &COdictEditorObject::fwFunctionname, &COdictEditorObject::shortDescription,
+                              &COdictEditorObject::description};
+        const Setter set[] = {&COdictEditorObject::setDefString, &COdictEditorObject::setFwVariablename,
+                              &COdictEditorObject::setFwFunctionname, &COdictEditorObject::setShortDescription,
+                              &COdictEditorObject::setDescription};
+        const QStringList others = {QStringLiteral("-19360"), QStringLiteral("g_speed"), QString(),
+                                    QStringLiteral("\u00C4nderung 5\u00B0"), QStringLiteral("")};
+        const auto check = [&](const COdictEditorObject &e, const QString &expected) {
+            for (int t = 0; t < 5; ++t) {
+                const QString want = t == which ? expected : others.at(t);
+                QCOMPARE((e.*get[t])(), want);
+                QCOMPARE((e.*get[t])().isNull(), want.isNull());
+            }
+        };
+
+        COdictEditorObject e;
+        for (int t = 0; t < 5; ++t)
+            (e.*set[t])(t == which ? QStringLiteral("old") : others.at(t));
+        const COdictEditorObject before = e;
+        (e.*set[which])(text);
+        check(e, text);
+        QCOMPARE((before.*get[which])(), QStringLiteral("old")); // the copy kept its text
+
+        // A stream keeps null and empty apart.
+        COdictEditorObject read;
+        QDataStream in(bigEndian(e));
+        in >> read;
+        check(read, text);
+        QCOMPARE(read, e);
+
+        (e.*set[which])(QStringLiteral("back"));
+        check(e, QStringLiteral("back"));
+    }
+
+    void parameterValuesInAnyOrder()
+    {
+        COdictParameterObject p(baseObject(NTypes::E_U16, 2));
+        p.setValue(5, 50);
+        p.setValue(1, 10);
+        p.setValue(3, 30);
+        p.setValue(1, 11); // replaces
+        QCOMPARE(p.values(), (ValueMap{{1, 11}, {3, 30}, {5, 50}}));
+        QCOMPARE(p.value(3), QVariant(30));
+
+        COdictParameterObject q(baseObject(NTypes::E_U16, 2));
+        q.setValues(ValueMap{{1, 11}, {3, 30}, {5, 50}});
+        QCOMPARE(q, p);
+        q.setValue(4, 40);
+        QVERIFY(q != p);
+        QCOMPARE(p.values().size(), 3); // copies are independent
+    }
+
     void parameterValueWithoutSet_data()
     {
         QTest::addColumn<uint>("type");
