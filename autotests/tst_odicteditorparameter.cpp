@@ -21,6 +21,61 @@ COdictObject baseObject(NTypes::eTypes_t type, unsigned int size)
 }
 
 
+// The five editor texts by number, in stream order.
+QString editorText(const COdictEditorObject &e, int which)
+{
+    switch (which) {
+    case 0:
+        return e.defString();
+    case 1:
+        return e.fwVariablename();
+    case 2:
+        return e.fwFunctionname();
+    case 3:
+        return e.shortDescription();
+    default:
+        return e.description();
+    }
+}
+
+void setEditorText(COdictEditorObject &e, int which, const QString &text)
+{
+    switch (which) {
+    case 0:
+        return e.setDefString(text);
+    case 1:
+        return e.setFwVariablename(text);
+    case 2:
+        return e.setFwFunctionname(text);
+    case 3:
+        return e.setShortDescription(text);
+    default:
+        return e.setDescription(text);
+    }
+}
+
+// Latin-1 texts of every kind: set, null and empty.
+const QStringList &otherTexts()
+{
+    static const QStringList texts = {QStringLiteral("-19360"), QStringLiteral("g_speed"), QString(),
+                                      QStringLiteral("\u00C4nderung 5\u00B0"), QStringLiteral("")};
+    return texts;
+}
+
+// Text \a which is \a expected and the others are otherTexts(), null and empty apart.
+bool hasEditorTexts(const COdictEditorObject &e, int which, const QString &expected)
+{
+    for (int t = 0; t < 5; ++t) {
+        const QString want = t == which ? expected : otherTexts().at(t);
+        const QString have = editorText(e, t);
+        if (have != want || have.isNull() != want.isNull()) {
+            qWarning() << "text" << t << "is" << have << "instead of" << want;
+            return false;
+        }
+    }
+    return true;
+}
+
 // Every shortened copy of \a bytes fails to read.
 template <typename T>
 void checkTruncatedFails(const QByteArray &bytes)
@@ -97,41 +152,23 @@ private slots:
         QFETCH(int, which);
         QFETCH(QString, text);
 
-        using Getter = QString (COdictEditorObject::*)() const;
-        using Setter = void (COdictEditorObject::*)(const QString &);
-        const Getter get[] = {&COdictEditorObject::defString, &COdictEditorObject::fwVariablename,
-                              &COdictEditorObject::fwFunctionname, &COdictEditorObject::shortDescription,
-                              &COdictEditorObject::description};
-        const Setter set[] = {&COdictEditorObject::setDefString, &COdictEditorObject::setFwVariablename,
-                              &COdictEditorObject::setFwFunctionname, &COdictEditorObject::setShortDescription,
-                              &COdictEditorObject::setDescription};
-        const QStringList others = {QStringLiteral("-19360"), QStringLiteral("g_speed"), QString(),
-                                    QStringLiteral("\u00C4nderung 5\u00B0"), QStringLiteral("")};
-        const auto check = [&](const COdictEditorObject &e, const QString &expected) {
-            for (int t = 0; t < 5; ++t) {
-                const QString want = t == which ? expected : others.at(t);
-                QCOMPARE((e.*get[t])(), want);
-                QCOMPARE((e.*get[t])().isNull(), want.isNull());
-            }
-        };
-
         COdictEditorObject e;
         for (int t = 0; t < 5; ++t)
-            (e.*set[t])(t == which ? QStringLiteral("old") : others.at(t));
+            setEditorText(e, t, t == which ? QStringLiteral("old") : otherTexts().at(t));
         const COdictEditorObject before = e;
-        (e.*set[which])(text);
-        check(e, text);
-        QCOMPARE((before.*get[which])(), QStringLiteral("old")); // the copy kept its text
+        setEditorText(e, which, text);
+        QVERIFY(hasEditorTexts(e, which, text));
+        QVERIFY(hasEditorTexts(before, which, QStringLiteral("old"))); // the copy kept its texts
 
         // A stream keeps null and empty apart.
         COdictEditorObject read;
         QDataStream in(bigEndian(e));
         in >> read;
-        check(read, text);
+        QVERIFY(hasEditorTexts(read, which, text));
         QCOMPARE(read, e);
 
-        (e.*set[which])(QStringLiteral("back"));
-        check(e, QStringLiteral("back"));
+        setEditorText(e, which, QStringLiteral("back"));
+        QVERIFY(hasEditorTexts(e, which, QStringLiteral("back")));
     }
 
     void parameterValuesInAnyOrder()
