@@ -21,6 +21,61 @@ COdictObject baseObject(NTypes::eTypes_t type, unsigned int size)
 }
 
 
+// The five editor texts by number, in stream order.
+QString editorText(const COdictEditorObject &e, int which)
+{
+    switch (which) {
+    case 0:
+        return e.defString();
+    case 1:
+        return e.fwVariablename();
+    case 2:
+        return e.fwFunctionname();
+    case 3:
+        return e.shortDescription();
+    default:
+        return e.description();
+    }
+}
+
+void setEditorText(COdictEditorObject &e, int which, const QString &text)
+{
+    switch (which) {
+    case 0:
+        return e.setDefString(text);
+    case 1:
+        return e.setFwVariablename(text);
+    case 2:
+        return e.setFwFunctionname(text);
+    case 3:
+        return e.setShortDescription(text);
+    default:
+        return e.setDescription(text);
+    }
+}
+
+// Latin-1 texts of every kind: set, null and empty.
+const QStringList &otherTexts()
+{
+    static const QStringList texts = {QStringLiteral("-19360"), QStringLiteral("g_speed"), QString(),
+                                      QStringLiteral("\u00C4nderung 5\u00B0"), QStringLiteral("")};
+    return texts;
+}
+
+// Text \a which is \a expected and the others are otherTexts(), null and empty apart.
+bool hasEditorTexts(const COdictEditorObject &e, int which, const QString &expected)
+{
+    for (int t = 0; t < 5; ++t) {
+        const QString want = t == which ? expected : otherTexts().at(t);
+        const QString have = editorText(e, t);
+        if (have != want || have.isNull() != want.isNull()) {
+            qWarning() << "text" << t << "is" << have << "instead of" << want;
+            return false;
+        }
+    }
+    return true;
+}
+
 // Every shortened copy of \a bytes fails to read.
 template <typename T>
 void checkTruncatedFails(const QByteArray &bytes)
@@ -73,6 +128,65 @@ private slots:
         QCOMPARE(read.dataType(), NTypes::E_I32); // base attributes are not read
         QCOMPARE(read.dataSize(), 4u);
         checkTruncatedFails<COdictEditorObject>(bytes);
+    }
+
+    void editorTexts_data()
+    {
+        QTest::addColumn<int>("which");
+        QTest::addColumn<QString>("text");
+
+        const QString wide = QStringLiteral("Drehzahl \u8F6C\u901F");
+        for (int which = 0; which < 5; ++which) {
+            const QByteArray n = QByteArray::number(which);
+            QTest::newRow("Latin-1 " + n) << which << QStringLiteral("\u00DCbertemperatur L\u00FCfter");
+            QTest::newRow("wide " + n) << which << wide;
+            QTest::newRow("empty " + n) << which << QStringLiteral("");
+            QTest::newRow("null " + n) << which << QString();
+        }
+    }
+
+    void editorTexts()
+    {
+        // Each text is set over others of every kind, replaced and given back exactly; the
+        // others stay as they were, null and empty apart.
+        QFETCH(int, which);
+        QFETCH(QString, text);
+
+        COdictEditorObject e;
+        for (int t = 0; t < 5; ++t)
+            setEditorText(e, t, t == which ? QStringLiteral("old") : otherTexts().at(t));
+        const COdictEditorObject before = e;
+        setEditorText(e, which, text);
+        QVERIFY(hasEditorTexts(e, which, text));
+        QVERIFY(hasEditorTexts(before, which, QStringLiteral("old"))); // the copy kept its texts
+
+        // A stream keeps null and empty apart.
+        COdictEditorObject read;
+        QDataStream in(bigEndian(e));
+        in >> read;
+        QVERIFY(hasEditorTexts(read, which, text));
+        QCOMPARE(read, e);
+
+        setEditorText(e, which, QStringLiteral("back"));
+        QVERIFY(hasEditorTexts(e, which, QStringLiteral("back")));
+    }
+
+    void parameterValuesInAnyOrder()
+    {
+        COdictParameterObject p(baseObject(NTypes::E_U16, 2));
+        p.setValue(5, 50);
+        p.setValue(1, 10);
+        p.setValue(3, 30);
+        p.setValue(1, 11); // replaces
+        QCOMPARE(p.values(), (ValueMap{{1, 11}, {3, 30}, {5, 50}}));
+        QCOMPARE(p.value(3), QVariant(30));
+
+        COdictParameterObject q(baseObject(NTypes::E_U16, 2));
+        q.setValues(ValueMap{{1, 11}, {3, 30}, {5, 50}});
+        QCOMPARE(q, p);
+        q.setValue(4, 40);
+        QVERIFY(q != p);
+        QCOMPARE(p.values().size(), 3); // copies are independent
     }
 
     void parameterValueWithoutSet_data()

@@ -5,6 +5,8 @@
 #include <QDebug>
 #include <QtTest>
 
+#include <cmath>
+#include <limits>
 #include <utility>
 
 char *toString(const COdictObject &object)
@@ -457,6 +459,100 @@ private slots:
             cut >> partial;
             QVERIFY2(cut.status() != QDataStream::Ok, qPrintable(QString::number(length)));
         }
+    }
+
+    void limitsComeBackExactly_data()
+    {
+        QTest::addColumn<CVariant>("value");
+
+        QTest::newRow("null") << CVariant();
+        QTest::newRow("null of a type") << CVariant(NTypes::E_U16);
+        QTest::newRow("negative") << i32("-100");
+        QTest::newRow("I64 minimum") << CVariant::fromI64(std::numeric_limits<qint64>::min(), NTypes::E_I64);
+        QTest::newRow("U64 maximum") << CVariant::fromU64(std::numeric_limits<quint64>::max(), NTypes::E_U64);
+        QTest::newRow("bool") << CVariant(QStringLiteral("1"), NTypes::E_BOOL);
+        QTest::newRow("F32") << CVariant(QStringLiteral("0.1"), NTypes::E_F32);
+        QTest::newRow("negative zero") << CVariant::fromF64(-0.0, NTypes::E_F64);
+        QTest::newRow("NaN") << CVariant::fromF64(std::nan(""), NTypes::E_F64);
+        QTest::newRow("text") << CVariant(QStringLiteral("abc"), NTypes::E_STRING);
+        QTest::newRow("bytes") << CVariant(QStringLiteral("0a0b"), NTypes::E_OCTETS);
+        QTest::newRow("array") << CVariant(QByteArray::fromHex("010002000300"), NTypes::E_U16, 3);
+    }
+
+    void limitsComeBackExactly()
+    {
+        // The stream form holds type, count and the stored QVariant: equal bytes mean the same value.
+        QFETCH(CVariant, value);
+
+        COdictObject o = makeObject();
+        o.setMinValue(value);
+        o.setMaxValue(value);
+        o.setDefaultValue(value);
+        QCOMPARE(bigEndian(o.minValue()).toHex(), bigEndian(value).toHex());
+        QCOMPARE(bigEndian(o.maxValue()).toHex(), bigEndian(value).toHex());
+        QCOMPARE(bigEndian(o.defaultValue()).toHex(), bigEndian(value).toHex());
+
+        COdictObject copy = o;
+        copy.setName(QStringLiteral("Other")); // a detached record
+        QCOMPARE(bigEndian(copy.defaultValue()).toHex(), bigEndian(value).toHex());
+
+        // Back to a number: nothing of the value stays behind.
+        o.setMinValue(i32("-100"));
+        o.setMaxValue(i32("100"));
+        o.setDefaultValue(i32("5"));
+        QCOMPARE(o, makeObject());
+    }
+
+    void rareFieldsReturnToDefault_data()
+    {
+        QTest::addColumn<int>("field");
+        QTest::newRow("enumeration") << 0;
+        QTest::newRow("bit set") << 1;
+        QTest::newRow("Y minimum") << 2;
+        QTest::newRow("Y default") << 3;
+        QTest::newRow("text default") << 4;
+    }
+
+    void rareFieldsReturnToDefault()
+    {
+        // A field set and reset again leaves an object equal to one that never had it.
+        QFETCH(int, field);
+
+        COdictObject o;
+        COdictObjectEnum enumeration;
+        enumeration.insert(1, QStringLiteral("On"));
+        COdictObjectBitSet bits;
+        bits.insert(1, QStringLiteral("Ready"));
+        switch (field) {
+        case 0:
+            o.setEnumData(enumeration);
+            QVERIFY(o.hasEnum() && !o.isNull());
+            o.setEnumData(COdictObjectEnum());
+            break;
+        case 1:
+            o.setBitSetData(bits);
+            QVERIFY(o.hasBitSet() && !o.isNull());
+            o.bitSetDataPtr()->remove(1);
+            break;
+        case 2:
+            o.setYMinValue(i32("3"));
+            QVERIFY(!o.isNull());
+            o.setYMinValue(CVariant());
+            break;
+        case 3:
+            o.setYDefaultValue(CVariant(NTypes::E_I32)); // null, but of a type: not the default
+            QVERIFY(!o.isNull());
+            o.setYDefaultValue(CVariant());
+            break;
+        default:
+            o.setDefaultValue(CVariant(QStringLiteral("text"), NTypes::E_STRING));
+            QVERIFY(!o.isNull());
+            o.setDefaultValue(CVariant());
+            break;
+        }
+        QVERIFY(o.isNull());
+        QCOMPARE(o, COdictObject());
+        QCOMPARE(bigEndian(o), bigEndian(COdictObject()));
     }
 
     void garbageSubIdCountFails()

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cstring>
 
 using NkrOdict::eObjectUsage_t;
 
@@ -23,6 +24,126 @@ bool isIntegerType(NTypes::eTypes_t type)
 {
     return type == NTypes::E_BOOL || CVariant::isSignedType(type) || CVariant::isUnsignedType(type);
 }
+
+// Writes one of the Y limits; the rare block is allocated for a value other than the default
+// and released when the last rare field returns to its default.
+void setRareValue(COdictObjectPrivate &p, CVariant COdictObjectRareFields::*field, const CVariant &value)
+{
+    if (p.rare().*field == value)
+        return;
+    p.rareForWrite().*field = value;
+    p.releaseRareIfDefault();
+}
+
+// The X limits: nearly all are a number of the object's type or a null value, and a CVariant
+// takes 24 bytes for what fits in 9. A record keeps per limit a code byte (the type in the low
+// six bits, the form in the top two) and the number's 64 bits; a limit that does not come back
+// bit for bit from that (texts, bytes, arrays, values outside their type) is kept whole in the
+// rare fields.
+constexpr quint8 kLimitTypeMask = 0x3F;
+constexpr quint8 kLimitNull = 0x00;      // CVariant(type)
+constexpr quint8 kLimitNumber = 0x40;    // a number of the type, in limitBits
+constexpr quint8 kLimitOutOfLine = 0x80; // rare().xLimits[which]
+
+CVariant numberOf(NTypes::eTypes_t type, quint64 bits)
+{
+    if (type == NTypes::E_BOOL || CVariant::isUnsignedType(type))
+        return CVariant::fromU64(bits, type);
+    if (CVariant::isSignedType(type))
+        return CVariant::fromI64(qint64(bits), type);
+    if (CVariant::isFloatType(type)) {
+        double number;
+        std::memcpy(&number, &bits, sizeof number);
+        return CVariant::fromF64(number, type);
+    }
+    return CVariant(type);
+}
+
+/// The 64 bits of a number held as \a type stores it; false when \a value holds something else.
+bool bitsOf(const QVariant &value, NTypes::eTypes_t type, quint64 &bits)
+{
+    const int stored = value.userType();
+    if (type == NTypes::E_BOOL && stored == QMetaType::Bool) {
+        bits = value.toBool() ? 1 : 0;
+        return true;
+    }
+    if (CVariant::isSignedType(type) && stored == QMetaType::LongLong) {
+        bits = quint64(value.toLongLong());
+        return true;
+    }
+    if (CVariant::isUnsignedType(type) && stored == QMetaType::ULongLong) {
+        bits = value.toULongLong();
+        return true;
+    }
+    if (CVariant::isFloatType(type) && stored == QMetaType::Double) {
+        const double number = value.toDouble();
+        std::memcpy(&bits, &number, sizeof bits);
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+bool COdictObjectPrivate::isStoredOutOfLine(quint8 code)
+{
+    return (code & ~kLimitTypeMask) == kLimitOutOfLine;
+}
+
+CVariant COdictObjectPrivate::limit(eLimit_t which) const
+{
+    const quint8 code = limitCode[which];
+    const auto type = NTypes::eTypes_t(code & kLimitTypeMask);
+    switch (code & ~kLimitTypeMask) {
+    case kLimitNumber:
+        return numberOf(type, limitBits[which]);
+    case kLimitOutOfLine:
+        return rare().xLimits[which];
+    default:
+        return CVariant(type);
+    }
+}
+
+void COdictObjectPrivate::setLimit(eLimit_t which, const CVariant &value)
+{
+    const bool wasOutOfLine = isStoredOutOfLine(limitCode[which]);
+    const int type = int(value.type());
+    bool compact = false;
+    if (type >= 0 && type <= kLimitTypeMask && value.count() == 1) {
+        if (value.isNull()) {
+            limitCode[which] = quint8(kLimitNull | type);
+            limitBits[which] = 0;
+            compact = true;
+        } else {
+            // Compact only when the number gives back exactly this value: the same stored type,
+            // the same bits, not a null QVariant of a type.
+            const QVariant stored = value.toVariant();
+            quint64 bits = 0;
+            quint64 rebuiltBits = 0;
+            if (!stored.isNull() && bitsOf(stored, value.type(), bits)) {
+                const QVariant rebuilt = numberOf(value.type(), bits).toVariant();
+                if (rebuilt.userType() == stored.userType() && !rebuilt.isNull()
+                    && bitsOf(rebuilt, value.type(), rebuiltBits) && rebuiltBits == bits) {
+                    limitCode[which] = quint8(kLimitNumber | type);
+                    limitBits[which] = bits;
+                    compact = true;
+                }
+            }
+        }
+    }
+    if (compact) {
+        if (wasOutOfLine) {
+            rareForWrite().xLimits[which] = CVariant();
+            releaseRareIfDefault();
+        }
+        return;
+    }
+    limitCode[which] = kLimitOutOfLine;
+    limitBits[which] = 0;
+    rareForWrite().xLimits[which] = value;
+}
+
+namespace {
 
 bool bitOf(const QByteArray &bytes, unsigned int pos)
 {
@@ -81,7 +202,7 @@ QString COdictObject::valueToStr(const CVariant &value, bool withUnit) const
     bool ok = false;
     const qint64 number = integer ? value.toI64(&ok) : 0;
     if (ok && hasEnum()) {
-        text = d->enumData.name(number);
+        text = d->rare().enumData.name(number);
     } else if (hasBitSet() && (integer || CVariant::isByteType(type))) {
         const QByteArray bytes = value.toByteArray();
         QStringList names;
@@ -89,7 +210,7 @@ QString COdictObject::valueToStr(const CVariant &value, bool withUnit) const
         for (unsigned int pos = 0; pos < bitCount; ++pos) {
             if (!bitOf(bytes, pos))
                 continue;
-            const QString name = d->bitSetData.name(pos);
+            const QString name = d->rare().bitSetData.name(pos);
             names << (name.isEmpty() ? QCoreApplication::translate("COdictObject", "Bit %1").arg(pos) : name);
         }
         text = names.isEmpty() ? QStringLiteral("0") : names.join(QLatin1String(", "));
@@ -229,24 +350,40 @@ void COdictObject::setUserlevelVisible(unsigned int level) { d->userlevelVisible
 int COdictObject::digits() const { return d->digits; }
 void COdictObject::setDigits(int digits) { d->digits = digits; }
 
-COdictObjectEnum COdictObject::enumData() const { return d->enumData; }
-void COdictObject::setEnumData(const COdictObjectEnum &enumData) { d->enumData = enumData; }
-const COdictObjectEnum *COdictObject::enumDataPtr() const { return &d->enumData; }
-COdictObjectEnum *COdictObject::enumDataPtr() { return &d->enumData; }
-COdictObjectBitSet COdictObject::bitSetData() const { return d->bitSetData; }
-void COdictObject::setBitSetData(const COdictObjectBitSet &bitSetData) { d->bitSetData = bitSetData; }
-const COdictObjectBitSet *COdictObject::bitSetDataPtr() const { return &d->bitSetData; }
-COdictObjectBitSet *COdictObject::bitSetDataPtr() { return &d->bitSetData; }
-bool COdictObject::hasEnum() const { return !d->enumData.isEmpty(); }
-bool COdictObject::hasBitSet() const { return !d->bitSetData.isEmpty(); }
+COdictObjectEnum COdictObject::enumData() const { return d->rare().enumData; }
+void COdictObject::setEnumData(const COdictObjectEnum &enumData)
+{
+    if (enumData.isEmpty() && !d.constData()->rare().enumData.isEmpty()) {
+        d->rareForWrite().enumData = enumData;
+        d->releaseRareIfDefault();
+    } else if (!enumData.isEmpty()) {
+        d->rareForWrite().enumData = enumData;
+    }
+}
+const COdictObjectEnum *COdictObject::enumDataPtr() const { return &d->rare().enumData; }
+COdictObjectEnum *COdictObject::enumDataPtr() { return &d->rareForWrite().enumData; }
+COdictObjectBitSet COdictObject::bitSetData() const { return d->rare().bitSetData; }
+void COdictObject::setBitSetData(const COdictObjectBitSet &bitSetData)
+{
+    if (bitSetData.isEmpty() && !d.constData()->rare().bitSetData.isEmpty()) {
+        d->rareForWrite().bitSetData = bitSetData;
+        d->releaseRareIfDefault();
+    } else if (!bitSetData.isEmpty()) {
+        d->rareForWrite().bitSetData = bitSetData;
+    }
+}
+const COdictObjectBitSet *COdictObject::bitSetDataPtr() const { return &d->rare().bitSetData; }
+COdictObjectBitSet *COdictObject::bitSetDataPtr() { return &d->rareForWrite().bitSetData; }
+bool COdictObject::hasEnum() const { return !d->rare().enumData.isEmpty(); }
+bool COdictObject::hasBitSet() const { return !d->rare().bitSetData.isEmpty(); }
 bool COdictObject::hasEnumOrBitSet() const { return hasEnum() || hasBitSet(); }
 
-CVariant COdictObject::minValue() const { return d->minValue; }
-CVariant COdictObject::maxValue() const { return d->maxValue; }
+CVariant COdictObject::minValue() const { return d->limit(COdictObjectPrivate::L_MIN); }
+CVariant COdictObject::maxValue() const { return d->limit(COdictObjectPrivate::L_MAX); }
 
 CVariant COdictObject::defaultValue(bool expandArray) const
 {
-    const CVariant &stored = d->defaultValue;
+    const CVariant stored = d->limit(COdictObjectPrivate::L_DEFAULT);
     if (!expandArray || stored.isNull() || stored.isArray())
         return stored;
     const unsigned int elementSize = CDataTypeParser::typeSize(d->dataType);
@@ -266,33 +403,33 @@ CVariant COdictObject::defaultValue(bool expandArray) const
     return CVariant(bytes, d->dataType, count);
 }
 
-CVariant COdictObject::xMinValue() const { return d->minValue; }
-CVariant COdictObject::xMaxValue() const { return d->maxValue; }
-CVariant COdictObject::xDefaultValue() const { return d->defaultValue; }
-CVariant COdictObject::yMinValue() const { return d->yMinValue; }
-CVariant COdictObject::yMaxValue() const { return d->yMaxValue; }
-CVariant COdictObject::yDefaultValue() const { return d->yDefaultValue; }
-CVariant COdictObject::getMinValue() const { return d->maxValue; } // the maximum, on purpose
-CVariant COdictObject::getMaxValue() const { return d->maxValue; }
-CVariant COdictObject::getDefaultValue() const { return d->defaultValue; }
-CVariant COdictObject::getXMinValue() const { return d->minValue; }
-CVariant COdictObject::getXMaxValue() const { return d->maxValue; }
-CVariant COdictObject::getXDefaultValue() const { return d->defaultValue; }
-CVariant COdictObject::getYMinValue() const { return d->yMinValue; }
-CVariant COdictObject::getYMaxValue() const { return d->yMaxValue; }
-CVariant COdictObject::getYDefaultValue() const { return d->yDefaultValue; }
-void COdictObject::setMinValue(const CVariant &value) { d->minValue = value; }
-void COdictObject::setMaxValue(const CVariant &value) { d->maxValue = value; }
-void COdictObject::setDefaultValue(const CVariant &value) { d->defaultValue = value; }
-void COdictObject::setXMinValue(const CVariant &value) { d->minValue = value; }
-void COdictObject::setXMaxValue(const CVariant &value) { d->maxValue = value; }
-void COdictObject::setXDefaultValue(const CVariant &value) { d->defaultValue = value; }
-void COdictObject::setYMinValue(const CVariant &value) { d->yMinValue = value; }
-void COdictObject::setYMaxValue(const CVariant &value) { d->yMaxValue = value; }
-void COdictObject::setYDefaultValue(const CVariant &value) { d->yDefaultValue = value; }
-QString COdictObject::minValueAsStr(bool withUnit) const { return valueToStr(d->minValue, withUnit); }
-QString COdictObject::maxValueAsStr(bool withUnit) const { return valueToStr(d->maxValue, withUnit); }
-QString COdictObject::defaultValueAsStr(bool withUnit) const { return valueToStr(d->defaultValue, withUnit); }
+CVariant COdictObject::xMinValue() const { return d->limit(COdictObjectPrivate::L_MIN); }
+CVariant COdictObject::xMaxValue() const { return d->limit(COdictObjectPrivate::L_MAX); }
+CVariant COdictObject::xDefaultValue() const { return d->limit(COdictObjectPrivate::L_DEFAULT); }
+CVariant COdictObject::yMinValue() const { return d->rare().yMinValue; }
+CVariant COdictObject::yMaxValue() const { return d->rare().yMaxValue; }
+CVariant COdictObject::yDefaultValue() const { return d->rare().yDefaultValue; }
+CVariant COdictObject::getMinValue() const { return d->limit(COdictObjectPrivate::L_MAX); } // the maximum, on purpose
+CVariant COdictObject::getMaxValue() const { return d->limit(COdictObjectPrivate::L_MAX); }
+CVariant COdictObject::getDefaultValue() const { return d->limit(COdictObjectPrivate::L_DEFAULT); }
+CVariant COdictObject::getXMinValue() const { return d->limit(COdictObjectPrivate::L_MIN); }
+CVariant COdictObject::getXMaxValue() const { return d->limit(COdictObjectPrivate::L_MAX); }
+CVariant COdictObject::getXDefaultValue() const { return d->limit(COdictObjectPrivate::L_DEFAULT); }
+CVariant COdictObject::getYMinValue() const { return d->rare().yMinValue; }
+CVariant COdictObject::getYMaxValue() const { return d->rare().yMaxValue; }
+CVariant COdictObject::getYDefaultValue() const { return d->rare().yDefaultValue; }
+void COdictObject::setMinValue(const CVariant &value) { d->setLimit(COdictObjectPrivate::L_MIN, value); }
+void COdictObject::setMaxValue(const CVariant &value) { d->setLimit(COdictObjectPrivate::L_MAX, value); }
+void COdictObject::setDefaultValue(const CVariant &value) { d->setLimit(COdictObjectPrivate::L_DEFAULT, value); }
+void COdictObject::setXMinValue(const CVariant &value) { d->setLimit(COdictObjectPrivate::L_MIN, value); }
+void COdictObject::setXMaxValue(const CVariant &value) { d->setLimit(COdictObjectPrivate::L_MAX, value); }
+void COdictObject::setXDefaultValue(const CVariant &value) { d->setLimit(COdictObjectPrivate::L_DEFAULT, value); }
+void COdictObject::setYMinValue(const CVariant &value) { setRareValue(*d, &COdictObjectRareFields::yMinValue, value); }
+void COdictObject::setYMaxValue(const CVariant &value) { setRareValue(*d, &COdictObjectRareFields::yMaxValue, value); }
+void COdictObject::setYDefaultValue(const CVariant &value) { setRareValue(*d, &COdictObjectRareFields::yDefaultValue, value); }
+QString COdictObject::minValueAsStr(bool withUnit) const { return valueToStr(d->limit(COdictObjectPrivate::L_MIN), withUnit); }
+QString COdictObject::maxValueAsStr(bool withUnit) const { return valueToStr(d->limit(COdictObjectPrivate::L_MAX), withUnit); }
+QString COdictObject::defaultValueAsStr(bool withUnit) const { return valueToStr(d->limit(COdictObjectPrivate::L_DEFAULT), withUnit); }
 
 unsigned int COdictObject::objectUsage() const { return unsigned(d->objectUsage); }
 NkrOdict::ObjectUsageFlags COdictObject::objectUsageFlags() const { return d->objectUsage; }
@@ -355,7 +492,7 @@ bool COdictObject::couldHaveVirtualSubObjects() const
 QList<unsigned int> COdictObject::possibleVirtualSubIds() const
 {
     if (hasBitSet())
-        return d->bitSetData.positions();
+        return d->rare().bitSetData.positions();
     QList<unsigned int> ids;
     const unsigned int elementSize = CDataTypeParser::typeSize(NTypes::E_I32);
     if (d->dataType == NTypes::E_XY && elementSize != 0 && d->dataSize <= kMaxExpandedSize) {
@@ -382,12 +519,13 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
     const COdictObjectPrivate &o = *owner.d;
 
     if (owner.hasBitSet()) {
-        if (!o.bitSetData.contains(subId))
+        if (!o.rare().bitSetData.contains(subId))
             return false;
-        const QString text = o.bitSetData.name(subId);
+        const QString text = o.rare().bitSetData.name(subId);
         CVariant bitDefault(NTypes::E_BOOL);
-        if (!o.defaultValue.isNull()) {
-            const QByteArray bytes = o.defaultValue.toByteArray();
+        const CVariant ownerDefault = o.limit(COdictObjectPrivate::L_DEFAULT);
+        if (!ownerDefault.isNull()) {
+            const QByteArray bytes = ownerDefault.toByteArray();
             if (subId / 8 < unsigned(bytes.size()))
                 bitDefault = CVariant::fromU64(bitOf(bytes, subId) ? 1 : 0, NTypes::E_BOOL);
         }
@@ -395,14 +533,17 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
         p.name = text;
         p.uiName = text;
         p.uiShortName = text;
-        p.enumData = COdictObjectEnum();
-        p.bitSetData = COdictObjectBitSet();
+        if (p.rare().hasEnumOrBitSet()) {
+            COdictObjectRareFields &rare = p.rareForWrite();
+            rare.enumData = COdictObjectEnum();
+            rare.bitSetData = COdictObjectBitSet();
+        }
         p.dataType = NTypes::E_BOOL;
         p.dataSize = 1;
         p.arrayLength = 1;
-        p.minValue = CVariant(QStringLiteral("0"), NTypes::E_BOOL);
-        p.maxValue = CVariant(QStringLiteral("1"), NTypes::E_BOOL);
-        p.defaultValue = bitDefault;
+        p.setLimit(COdictObjectPrivate::L_MIN, CVariant(QStringLiteral("0"), NTypes::E_BOOL));
+        p.setLimit(COdictObjectPrivate::L_MAX, CVariant(QStringLiteral("1"), NTypes::E_BOOL));
+        p.setLimit(COdictObjectPrivate::L_DEFAULT, bitDefault);
     } else if (o.dataType == NTypes::E_XY) {
         const unsigned int elementSize = CDataTypeParser::typeSize(NTypes::E_I32);
         if (elementSize == 0 || subId >= o.dataSize / elementSize)
@@ -414,19 +555,23 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
         p.name = text;
         p.uiName = text;
         p.uiShortName = text;
-        p.enumData = COdictObjectEnum();
+        if (!p.rare().enumData.isEmpty())
+            p.rareForWrite().enumData = COdictObjectEnum();
         p.dataType = NTypes::E_I32;
         p.dataSize = elementSize;
         p.arrayLength = 1;
         if (!isX) {
-            p.minValue = o.yMinValue;
-            p.maxValue = o.yMaxValue;
-            p.defaultValue = o.yDefaultValue;
+            p.setLimit(COdictObjectPrivate::L_MIN, o.rare().yMinValue);
+            p.setLimit(COdictObjectPrivate::L_MAX, o.rare().yMaxValue);
+            p.setLimit(COdictObjectPrivate::L_DEFAULT, o.rare().yDefaultValue);
             p.unit = o.yUnit;
         }
-        p.yMinValue = CVariant();
-        p.yMaxValue = CVariant();
-        p.yDefaultValue = CVariant();
+        if (p.hasRare()) {
+            COdictObjectRareFields &rare = p.rareForWrite();
+            rare.yMinValue = CVariant();
+            rare.yMaxValue = CVariant();
+            rare.yDefaultValue = CVariant();
+        }
         p.yUnit = kNone;
     } else {
         return false;
@@ -436,6 +581,7 @@ bool COdictObject::createVirtualSubObject(COdictObject &target, unsigned int sub
     p.subId = subId;
     p.subIdList.clear();
     p.isVirtual = true;
+    p.releaseRareIfDefault();
     return true;
 }
 
@@ -490,9 +636,10 @@ QDataStream &operator<<(QDataStream &out, const COdictObject &object)
         << quint32(p.arrayLength)
         << quint32(p.userlevelRead) << quint32(p.userlevelWrite) << quint32(p.userlevelVisible)
         << qint32(p.digits)
-        << p.enumData << p.bitSetData
-        << p.minValue << p.maxValue << p.defaultValue
-        << p.yMinValue << p.yMaxValue << p.yDefaultValue
+        << p.rare().enumData << p.rare().bitSetData
+        << p.limit(COdictObjectPrivate::L_MIN) << p.limit(COdictObjectPrivate::L_MAX)
+        << p.limit(COdictObjectPrivate::L_DEFAULT)
+        << p.rare().yMinValue << p.rare().yMaxValue << p.rare().yDefaultValue
         << quint32(p.objectUsage)
         << quint32(p.subIdList.size());
     for (const unsigned int subId : p.subIdList)
@@ -510,6 +657,8 @@ QDataStream &operator>>(QDataStream &in, COdictObject &object)
     quint32 dataType = 0;
     quint32 accessRights = 0;
     quint32 usage = 0;
+    COdictObjectRareFields rare;
+    CVariant limits[COdictObjectPrivate::L_COUNT];
     in >> p.refId >> p.id >> p.subId >> build >> minor >> main
         >> p.ds402Id >> p.profinetId
         >> p.name >> p.uiName >> p.uiShortName
@@ -517,10 +666,14 @@ QDataStream &operator>>(QDataStream &in, COdictObject &object)
         >> dataType >> p.dataSize >> accessRights >> p.arrayLength
         >> p.userlevelRead >> p.userlevelWrite >> p.userlevelVisible
         >> p.digits
-        >> p.enumData >> p.bitSetData
-        >> p.minValue >> p.maxValue >> p.defaultValue
-        >> p.yMinValue >> p.yMaxValue >> p.yDefaultValue
+        >> rare.enumData >> rare.bitSetData
+        >> limits[COdictObjectPrivate::L_MIN] >> limits[COdictObjectPrivate::L_MAX]
+        >> limits[COdictObjectPrivate::L_DEFAULT]
+        >> rare.yMinValue >> rare.yMaxValue >> rare.yDefaultValue
         >> usage;
+    p.setRare(rare);
+    for (int i = 0; i < COdictObjectPrivate::L_COUNT; ++i)
+        p.setLimit(COdictObjectPrivate::eLimit_t(i), limits[i]);
     p.version = NTypes::uVersion_t::fromParts(main, minor, build);
     p.dataType = NTypes::eTypes_t(dataType);
     p.accessRights = NkrOdict::AccessRightFlags(NkrOdict::eAccessRight_t(accessRights));

@@ -10,100 +10,97 @@ COdictObjectBitSet::COdictObjectBitSet(const COdictObjectBitSet &other) = defaul
 COdictObjectBitSet &COdictObjectBitSet::operator=(const COdictObjectBitSet &other) = default;
 COdictObjectBitSet::~COdictObjectBitSet() = default;
 
+namespace {
+constexpr auto key = &COdictObjectBitSet::sOdictObjectBitData_t::pos;
+} // namespace
+
 void COdictObjectBitSet::insert(const unsigned int &pos, const QString &name)
 {
-    m_map.insert(pos, name);
+    NOdictTextMap::insert(m_entries, key, pos, name);
 }
 
 void COdictObjectBitSet::insert(const sOdictObjectBitData_t &data)
 {
-    m_map.insert(data.pos, data.name);
+    NOdictTextMap::insert(m_entries, key, data.pos, data.name);
 }
 
 void COdictObjectBitSet::remove(const unsigned int &pos)
 {
-    m_map.remove(pos);
+    NOdictTextMap::remove(m_entries, key, pos);
 }
 
 bool COdictObjectBitSet::contains(const unsigned int &pos) const
 {
-    return m_map.contains(pos);
+    return NOdictTextMap::find(m_entries, key, pos) != nullptr;
 }
 
 bool COdictObjectBitSet::contains(const QString &name) const
 {
-    return NOdictTextMap::containsText(m_map, name);
+    return NOdictTextMap::containsText(m_entries, name);
 }
 
 QString COdictObjectBitSet::name(const unsigned int &pos, bool *ok) const
 {
-    const auto it = m_map.constFind(pos);
-    const bool found = it != m_map.constEnd();
+    const sOdictObjectBitData_t *entry = NOdictTextMap::find(m_entries, key, pos);
     if (ok)
-        *ok = found;
-    return found ? it.value() : QString();
+        *ok = entry != nullptr;
+    return entry ? entry->name : QString();
 }
 
 unsigned int COdictObjectBitSet::pos(const QString &name, bool *ok) const
 {
-    return NOdictTextMap::lastKeyWithText(m_map, name, 0xFFFFFFFFu, ok);
+    return NOdictTextMap::lastKeyWithText(m_entries, key, name, 0xFFFFFFFFu, ok);
 }
 
 COdictObjectBitSet::sOdictObjectBitData_t COdictObjectBitSet::bit(int pos) const
 {
-    const auto it = m_map.constFind(static_cast<unsigned int>(pos));
-    if (it == m_map.constEnd())
-        return {};
-    return {it.key(), it.value()};
+    const sOdictObjectBitData_t *entry = NOdictTextMap::find(m_entries, key, static_cast<unsigned int>(pos));
+    return entry ? *entry : sOdictObjectBitData_t();
 }
 
 QList<COdictObjectBitSet::sOdictObjectBitData_t> COdictObjectBitSet::bitSet() const
 {
-    QList<sOdictObjectBitData_t> list;
-    list.reserve(m_map.size());
-    for (auto it = m_map.constBegin(); it != m_map.constEnd(); ++it)
-        list.append({it.key(), it.value()});
-    return list;
+    return m_entries.toList();
 }
 
 QStringList COdictObjectBitSet::names() const
 {
-    return m_map.values();
+    return NOdictTextMap::texts(m_entries);
 }
 
 QList<unsigned int> COdictObjectBitSet::positions() const
 {
-    return m_map.keys();
+    return NOdictTextMap::keys(m_entries, key);
 }
 
 int COdictObjectBitSet::size() const
 {
-    return m_map.size();
+    return m_entries.size();
 }
 
 bool COdictObjectBitSet::isEmpty() const
 {
-    return m_map.isEmpty();
+    return m_entries.isEmpty();
 }
 
 bool COdictObjectBitSet::isValid() const
 {
-    return !m_map.isEmpty();
+    return !m_entries.isEmpty();
 }
 
 bool COdictObjectBitSet::operator==(const COdictObjectBitSet &other) const
 {
-    return m_map == other.m_map;
+    return m_entries == other.m_entries;
 }
 
 QDataStream &operator<<(QDataStream &out, const COdictObjectBitSet &bitSet)
 {
-    return out << bitSet.m_map;
+    return NOdictTextMap::write(out, bitSet.m_entries, key);
 }
 
 QDataStream &operator>>(QDataStream &in, COdictObjectBitSet &bitSet)
 {
-    return in >> bitSet.m_map;
+    return NOdictTextMap::read(in, bitSet.m_entries, key);
 }
 
 QDebug operator<<(QDebug debug, const COdictObjectBitSet &bitSet)

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QMap>
 #include <QMetaType>
+#include <QVector>
 #include <QString>
 #include <QStringList>
 
@@ -85,7 +86,7 @@ private:
     friend QDataStream &operator<<(QDataStream &out, const COdictObjectBitSet &bitSet);
     friend QDataStream &operator>>(QDataStream &in, COdictObjectBitSet &bitSet);
 
-    QMap<unsigned int, QString> m_map;
+    QVector<sOdictObjectBitData_t> m_entries; // sorted by pos
 };
 
 Q_DECLARE_METATYPE(COdictObjectBitSet)

@@ -10,92 +10,91 @@ COdictObjectEnum::COdictObjectEnum(const COdictObjectEnum &other) = default;
 COdictObjectEnum &COdictObjectEnum::operator=(const COdictObjectEnum &other) = default;
 COdictObjectEnum::~COdictObjectEnum() = default;
 
+namespace {
+constexpr auto key = &COdictObjectEnum::sOdictObjectEnumData_t::value;
+} // namespace
+
 void COdictObjectEnum::insert(const long long &value, const QString &name)
 {
-    m_map.insert(value, name);
+    NOdictTextMap::insert(m_entries, key, value, name);
 }
 
 void COdictObjectEnum::insert(const sOdictObjectEnumData_t &data)
 {
-    m_map.insert(data.value, data.name);
+    NOdictTextMap::insert(m_entries, key, data.value, data.name);
 }
 
 void COdictObjectEnum::remove(const long long &value)
 {
-    m_map.remove(value);
+    NOdictTextMap::remove(m_entries, key, value);
 }
 
 bool COdictObjectEnum::contains(const long long &value) const
 {
-    return m_map.contains(value);
+    return NOdictTextMap::find(m_entries, key, value) != nullptr;
 }
 
 bool COdictObjectEnum::contains(const QString &name) const
 {
-    return NOdictTextMap::containsText(m_map, name);
+    return NOdictTextMap::containsText(m_entries, name);
 }
 
 QString COdictObjectEnum::name(const long long &value, bool *ok) const
 {
-    const auto it = m_map.constFind(value);
-    const bool found = it != m_map.constEnd();
+    const sOdictObjectEnumData_t *entry = NOdictTextMap::find(m_entries, key, value);
     if (ok)
-        *ok = found;
-    return found ? it.value() : QString::number(value, 10);
+        *ok = entry != nullptr;
+    return entry ? entry->name : QString::number(value, 10);
 }
 
 long long COdictObjectEnum::value(const QString &name, bool *ok) const
 {
-    return NOdictTextMap::lastKeyWithText(m_map, name, static_cast<long long>(-1), ok);
+    return NOdictTextMap::lastKeyWithText(m_entries, key, name, static_cast<long long>(-1), ok);
 }
 
 QStringList COdictObjectEnum::names() const
 {
-    return m_map.values();
+    return NOdictTextMap::texts(m_entries);
 }
 
 QList<long long> COdictObjectEnum::values() const
 {
-    return m_map.keys();
+    return NOdictTextMap::keys(m_entries, key);
 }
 
 QList<COdictObjectEnum::sOdictObjectEnumData_t> COdictObjectEnum::enums() const
 {
-    QList<sOdictObjectEnumData_t> list;
-    list.reserve(m_map.size());
-    for (auto it = m_map.constBegin(); it != m_map.constEnd(); ++it)
-        list.append({it.key(), it.value()});
-    return list;
+    return m_entries.toList();
 }
 
 int COdictObjectEnum::size() const
 {
-    return m_map.size();
+    return m_entries.size();
 }
 
 bool COdictObjectEnum::isEmpty() const
 {
-    return m_map.isEmpty();
+    return m_entries.isEmpty();
 }
 
 bool COdictObjectEnum::isValid() const
 {
-    return !m_map.isEmpty();
+    return !m_entries.isEmpty();
 }
 
 bool COdictObjectEnum::operator==(const COdictObjectEnum &other) const
 {
-    return m_map == other.m_map;
+    return m_entries == other.m_entries;
 }
 
 QDataStream &operator<<(QDataStream &out, const COdictObjectEnum &enumeration)
 {
-    return out << enumeration.m_map;
+    return NOdictTextMap::write(out, enumeration.m_entries, key);
 }
 
 QDataStream &operator>>(QDataStream &in, COdictObjectEnum &enumeration)
 {
-    return in >> enumeration.m_map;
+    return NOdictTextMap::read(in, enumeration.m_entries, key);
 }
 
 QDebug operator<<(QDebug debug, const COdictObjectEnum &enumeration)

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QMap>
 #include <QMetaType>
+#include <QVector>
 #include <QString>
 #include <QStringList>
 
@@ -83,7 +84,7 @@ private:
     friend QDataStream &operator<<(QDataStream &out, const COdictObjectEnum &enumeration);
     friend QDataStream &operator>>(QDataStream &in, COdictObjectEnum &enumeration);
 
-    QMap<long long, QString> m_map;
+    QVector<sOdictObjectEnumData_t> m_entries; // sorted by value
 };
 
 Q_DECLARE_METATYPE(COdictObjectEnum)

@@ -28,26 +28,25 @@ NkrOdict::eObjectType_t COdictParameterObject::objectType() const
 
 bool COdictParameterObject::isNull() const
 {
-    return COdictObject::isNull() && dp->values.isEmpty() && dp->error == 0;
+    return COdictObject::isNull() && dp->count() == 0 && dp->error == 0;
 }
 
 void COdictParameterObject::setValue(int index, const QVariant &value)
 {
-    dp->values.insert(index, value);
+    dp->insert(index, value);
 }
 
 QVariant COdictParameterObject::value(int index) const
 {
-    const auto it = dp->values.constFind(index);
-    if (it != dp->values.constEnd())
-        return it.value();
+    if (const COdictParameterObjectPrivate::sEntry *entry = dp->find(index))
+        return entry->value;
     // A null CVariant has no QVariant of its own; the empty value keeps the storage type.
     const QVariant empty = CVariant(QString(), dataType()).toVariant();
     return empty.isValid() ? empty : OdictSubValue::typedNull(dataType());
 }
 
-void COdictParameterObject::setValues(const QMap<int, QVariant> &values) { dp->values = values; }
-QMap<int, QVariant> COdictParameterObject::values() const { return dp->values; }
+void COdictParameterObject::setValues(const QMap<int, QVariant> &values) { dp->setMap(values); }
+QMap<int, QVariant> COdictParameterObject::values() const { return dp->toMap(); }
 
 bool COdictParameterObject::operator==(const COdictParameterObject &other) const
 {
@@ -71,24 +70,23 @@ bool COdictParameterObject::createVirtualSubObject(COdictParameterObject &target
 {
     // The values are cut out while target still is the owner.
     QMap<int, QVariant> elements;
-    const QMap<int, QVariant> &owned = target.dp.constData()->values;
-    for (auto it = owned.cbegin(); it != owned.cend(); ++it) {
+    for (const COdictParameterObjectPrivate::sEntry &entry : *target.dp.constData()) {
         bool ok = false;
-        const QVariant element = OdictSubValue::virtualElement(target, it.value(), subId, &ok);
+        const QVariant element = OdictSubValue::virtualElement(target, entry.value, subId, &ok);
         if (ok)
-            elements.insert(it.key(), element);
+            elements.insert(entry.set, element);
     }
     COdictObject &base = target;
     if (!COdictObject::createVirtualSubObject(base, subId))
         return false;
-    target.dp->values = elements;
+    target.dp->setMap(elements);
     return true;
 }
 
 QDataStream &operator<<(QDataStream &out, const COdictParameterObject &object)
 {
     out << static_cast<const COdictObject &>(object);
-    out << qint32(object.dp->error) << object.dp->values;
+    out << qint32(object.dp->error) << object.dp->toMap();
     return out;
 }
 
@@ -97,18 +95,21 @@ QDataStream &operator>>(QDataStream &in, COdictParameterObject &object)
     in >> static_cast<COdictObject &>(object);
     COdictParameterObjectPrivate &p = *object.dp;
     in >> p.error;
-    // QMap<int, QVariant> by hand, so that every value goes through the plain-value check.
+    // QMap<int, QVariant> by hand, so that every value goes through the plain-value check. The
+    // map collects them first: the stream holds them in descending order, and a long corrupt
+    // list must not cost an array move per value.
     quint32 count = 0;
     in >> count;
-    p.values.clear();
+    QMap<int, QVariant> values;
     for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
         qint32 set = 0;
         QVariant value;
         in >> set;
         CVariant::readPlainVariant(in, value);
         if (in.status() == QDataStream::Ok)
-            p.values.insert(set, value);
+            values.insert(set, value);
     }
+    p.setMap(values);
     return in;
 }
 

@@ -129,12 +129,12 @@ QString COdictValueObject::valueToStr(const CVariant &value, bool withUnit) cons
     return text;
 }
 
-void COdictValueObject::setReadWriteByteIndex(long long index) { dv->readWriteByteIndex = index; }
-long long COdictValueObject::readWriteByteIndex() const { return dv->readWriteByteIndex; }
-long long COdictValueObject::getReadWriteByteIndex() const { return dv->readWriteByteIndex; }
-void COdictValueObject::setReadWriteByteSize(long long size) { dv->readWriteByteSize = size; }
-long long COdictValueObject::readWriteByteSize() const { return dv->readWriteByteSize; }
-long long COdictValueObject::getReadWriteByteSize() const { return dv->readWriteByteSize; }
+void COdictValueObject::setReadWriteByteIndex(long long index) { dv->setReadWriteByteRange(index, dv->readWriteByteSize()); }
+long long COdictValueObject::readWriteByteIndex() const { return dv->readWriteByteIndex(); }
+long long COdictValueObject::getReadWriteByteIndex() const { return dv->readWriteByteIndex(); }
+void COdictValueObject::setReadWriteByteSize(long long size) { dv->setReadWriteByteRange(dv->readWriteByteIndex(), size); }
+long long COdictValueObject::readWriteByteSize() const { return dv->readWriteByteSize(); }
+long long COdictValueObject::getReadWriteByteSize() const { return dv->readWriteByteSize(); }
 
 bool COdictValueObject::operator==(const COdictValueObject &other) const
 {
@@ -261,8 +261,7 @@ bool COdictValueObject::createVirtualSubObject(COdictValueObject &target, unsign
     COdictValueObjectPrivate &p = *target.dv;
     p.currentValue = current;
     p.setpointValue = setpoint;
-    p.readWriteByteIndex = 0;
-    p.readWriteByteSize = -1;
+    p.setReadWriteByteRange(0, -1);
     return true;
 }
 
@@ -275,7 +274,7 @@ QDataStream &operator<<(QDataStream &out, const COdictValueObject &object)
 {
     const COdictValueObjectPrivate &p = *object.dv;
     out << static_cast<const COdictObject &>(object);
-    out << qint32(p.error) << qint64(p.readWriteByteIndex) << qint64(p.readWriteByteSize)
+    out << qint32(p.error) << qint64(p.readWriteByteIndex()) << qint64(p.readWriteByteSize())
         << p.currentValue << p.setpointValue << p.valueInHex;
     return out;
 }
@@ -284,7 +283,10 @@ QDataStream &operator>>(QDataStream &in, COdictValueObject &object)
 {
     in >> static_cast<COdictObject &>(object);
     COdictValueObjectPrivate &p = *object.dv;
-    in >> p.error >> p.readWriteByteIndex >> p.readWriteByteSize;
+    qint64 index = 0;
+    qint64 size = -1;
+    in >> p.error >> index >> size;
+    p.setReadWriteByteRange(index, size);
     CVariant::readPlainVariant(in, p.currentValue);
     CVariant::readPlainVariant(in, p.setpointValue);
     in >> p.valueInHex;
