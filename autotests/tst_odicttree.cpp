@@ -391,29 +391,40 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<uint>("subId");
-        QTest::addColumn<bool>("found");
+        QTest::addColumn<QString>("found"); // the merged key of the node found; empty for none
 
-        QTest::newRow("as registered") << "Motor_1_2" << none << true;
-        QTest::newRow("name and sub-id") << "Motor_1" << 2u << true;
-        QTest::newRow("digits joined") << "Motor" << 12u << false;
-        QTest::newRow("other sub-id") << "Motor_1" << 4u << false;
-        QTest::newRow("extra sub-id") << "Motor_1_2" << 0u << false;
-        QTest::newRow("other case") << "motor_1" << 2u << false;
-        QTest::newRow("prefix only") << "Motor_1_" << none << false;
+        QTest::newRow("as registered") << "Motor_1_2" << none << "Motor_1_2";
+        QTest::newRow("name and sub-id") << "Motor_1" << 2u << "Motor_1_2";
+        QTest::newRow("digits joined") << "Motor" << 12u << "";
+        QTest::newRow("other sub-id") << "Motor_1" << 4u << "";
+        QTest::newRow("extra sub-id") << "Motor_1_2" << 0u << "";
+        QTest::newRow("other case") << "motor_1" << 2u << "";
+        QTest::newRow("prefix only") << "Motor_1_" << none << "";
+        // A sub-object (Pump, 7) asked for by its merged text and by other splits of it.
+        QTest::newRow("sub-object as text") << "Pump_7" << none << "Pump_7";
+        QTest::newRow("sub-object by name and sub-id") << "Pump" << 7u << "Pump_7";
+        QTest::newRow("sub-object, name with the underscore") << "Pump_" << 7u << "";
+        QTest::newRow("sub-object, sub-id with more digits") << "Pump_70" << none << "";
+        QTest::newRow("sub-object, other name of the same length") << "Pimp_7" << none << "";
     }
 
     void lookupByMergedKey()
     {
         QFETCH(QString, name);
         QFETCH(uint, subId);
-        QFETCH(bool, found);
+        QFETCH(QString, found);
 
         COdictObjectTree tree(E_OT_VALUE, nullptr);
         COdictNode *dictionary = addDictionary(tree);
-        COdictNode *motor = addObject(tree, dictionary, 0x3000u, QStringLiteral("Motor_1_2"));
+        addObject(tree, dictionary, 0x3000u, QStringLiteral("Motor_1_2"));
         addObject(tree, dictionary, 0x3001u, QStringLiteral("Motor_1_3")); // a near miss
-        QCOMPARE(tree.node(name, subId), found ? motor : nullptr);
-        QCOMPARE(tree.node(COdictObjectName(name, subId)), found ? motor : nullptr);
+        COdictNode *pump = addObject(tree, dictionary, 0x3002u, QStringLiteral("Pump"));
+        addObject(tree, pump, COdictObjectId(0x3002u, 7u), QStringLiteral("Pump"));
+        const auto mergedKeyOf = [](const COdictNode *node) { return node ? node->dataRef().uniqueName().mergedName() : QString(); };
+        QCOMPARE(mergedKeyOf(tree.node(name, subId)), found);
+        QCOMPARE(mergedKeyOf(tree.node(COdictObjectName(name, subId))), found);
+        const COdictObject *object = tree.objectPtr(name, subId);
+        QCOMPARE(object ? object->uniqueName().mergedName() : QString(), found);
     }
 
     void refIdLookupMatchesWalkAfterEachEdit_data()

@@ -114,24 +114,29 @@ quint32 COdictNameIndex::mergedHash(QStringView name, unsigned int subId)
     return hasher.finish();
 }
 
-bool COdictNameIndex::sameMergedKey(QStringView a, unsigned int subA, QStringView b, unsigned int subB)
+bool COdictNameIndex::sameMergedKeyOfOtherSubIds(QStringView a, unsigned int subA, QStringView b, unsigned int subB)
 {
-    if (subA == subB)
-        return a == b;
-    // Different sub-ids can still give one key: ("Speed_1", none) and ("Speed", 1).
+    // Different sub-ids can still give one key: ("Speed_1", none) and ("Speed", 1). With a the
+    // shorter name, b must start with a, and b's further characters and then b's suffix must
+    // spell a's suffix.
+    if (a.size() > b.size()) {
+        std::swap(a, b);
+        std::swap(subA, subB);
+    }
     char16_t suffixA[kMergedSuffixMax];
     char16_t suffixB[kMergedSuffixMax];
-    const qsizetype lengthA = a.size() + mergedKeySuffix(subA, suffixA);
-    const qsizetype lengthB = b.size() + mergedKeySuffix(subB, suffixB);
-    if (lengthA != lengthB)
+    const qsizetype lengthA = mergedKeySuffix(subA, suffixA);
+    const qsizetype lengthB = mergedKeySuffix(subB, suffixB);
+    const qsizetype extra = b.size() - a.size();
+    if (extra + lengthB != lengthA)
         return false;
-    for (qsizetype i = 0; i < lengthA; ++i) {
-        const char16_t ca = i < a.size() ? a[i].unicode() : suffixA[i - a.size()];
-        const char16_t cb = i < b.size() ? b[i].unicode() : suffixB[i - b.size()];
-        if (ca != cb)
+    if (std::memcmp(a.data(), b.data(), size_t(a.size()) * sizeof(QChar)) != 0)
+        return false;
+    for (qsizetype i = 0; i < extra; ++i) {
+        if (b[a.size() + i].unicode() != suffixA[i])
             return false;
     }
-    return true;
+    return std::memcmp(suffixB, suffixA + extra, size_t(lengthB) * sizeof(char16_t)) == 0;
 }
 
 bool COdictNameIndex::contains(const COdictObjectName &name) const

@@ -5,6 +5,7 @@
 #include <QSet>
 #include <QStringView>
 
+#include <cstring>
 #include <vector>
 
 // The indexes of a tree. The id and name indexes each keep the ordered map that the tree hands
@@ -248,7 +249,14 @@ public:
     /// and then those of "_" and the sub-id's digits, without building the merged text. Never 0.
     static quint32 mergedHash(QStringView name, unsigned int subId);
     /// True when (\a a, \a subA) and (\a b, \a subB) have the same merged key.
-    static bool sameMergedKey(QStringView a, unsigned int subA, QStringView b, unsigned int subB);
+    static bool sameMergedKey(QStringView a, unsigned int subA, QStringView b, unsigned int subB)
+    {
+        if (subA != subB)
+            return sameMergedKeyOfOtherSubIds(a, subA, b, subB);
+        // Names taken from the dictionary's objects share their characters with the entries.
+        return a.size() == b.size()
+            && (a.data() == b.data() || std::memcmp(a.data(), b.data(), size_t(a.size()) * sizeof(QChar)) == 0);
+    }
 
 private:
     // Two slots to a cache line: the hash, the key and the answer of a probe lie together.
@@ -264,6 +272,7 @@ private:
         quint64 hash() const { return hashValue; }
         COdictObject *objectOrNode() const { return object ? object : objectOfNode(node); }
     };
+    static bool sameMergedKeyOfOtherSubIds(QStringView a, unsigned int subA, QStringView b, unsigned int subB);
     const Slot *find(QStringView name, unsigned int subId) const
     {
         const quint32 hash = mergedHash(name, subId);
