@@ -125,7 +125,7 @@ bool hasSubObjects(const COdictNode *node)
 enum eRefIdEdit_t {
     E_RE_LOAD, E_RE_RELOAD, E_RE_ADD_OBJECT, E_RE_INSERT_BEYOND_CHILDREN, E_RE_ADD_SUBOBJECT, E_RE_ADD_GROUP,
     E_RE_MOVE_SUBOBJECT, E_RE_MOVE_GROUP, E_RE_DELETE_OBJECT, E_RE_DELETE_GROUP, E_RE_SET_BY_REF_ID,
-    E_RE_SET_DATA, E_RE_SET_DATA_OTHER_KIND, E_RE_SET_ITEM, E_RE_COPY_BEFORE_ORIGINAL, E_RE_COPY_AFTER_ORIGINAL,
+    E_RE_SET_DATA, E_RE_SET_DATA_OTHER_KIND, E_RE_SET_ITEM, E_RE_SET_ITEM_WITH_OBJECT, E_RE_COPY_BEFORE_ORIGINAL, E_RE_COPY_AFTER_ORIGINAL,
     E_RE_REMOVE_EARLIER_COPY, E_RE_TAKE_AND_RELINK, E_RE_TAKE, E_RE_REMOVE_CHILDREN, E_RE_CLEAR, E_RE_COPY_TREE,
     E_RE_VIRTUAL_SUBOBJECTS_DROPPED
 };
@@ -444,6 +444,7 @@ private slots:
         QTest::newRow("setData with a new item") << int(E_RE_SET_DATA);
         QTest::newRow("setData with an object of another kind") << int(E_RE_SET_DATA_OTHER_KIND);
         QTest::newRow("setItem") << int(E_RE_SET_ITEM);
+        QTest::newRow("setItem with an object of the same key") << int(E_RE_SET_ITEM_WITH_OBJECT);
         QTest::newRow("item copy linked before its original") << int(E_RE_COPY_BEFORE_ORIGINAL);
         QTest::newRow("item copy linked below its original") << int(E_RE_COPY_AFTER_ORIGINAL);
         QTest::newRow("earlier of two holders removed") << int(E_RE_REMOVE_EARLIER_COPY);
@@ -540,13 +541,19 @@ private slots:
         case E_RE_SET_DATA:
             group->setData(COdictItem(E_OT_EDITOR, E_IT_GROUP));
             break;
-        case E_RE_SET_DATA_OTHER_KIND: {
-            // Same key, another kind of object: the item makes a new object, which lookups must answer.
+        case E_RE_SET_DATA_OTHER_KIND:
+        case E_RE_SET_ITEM_WITH_OBJECT: {
+            // Same key, a new object (setItem's is allocated while the old one lives, so it is
+            // sure to lie elsewhere): lookups must answer it.
             COdictValueObject value;
             value.setId(owner->dataRef().objectPtr()->uniqueId());
             value.setName(owner->dataRef().name());
-            owner->setData(COdictItem(value));
+            if (edit == E_RE_SET_ITEM_WITH_OBJECT)
+                owner->setItem(new COdictItem(value));
+            else
+                owner->setData(COdictItem(value));
             QVERIFY(dict->objectPtr(value.uniqueId()) == owner->dataRef().objectPtr());
+            QVERIFY(dict->objectPtr(value.uniqueName()) == owner->dataRef().objectPtr());
             break;
         }
         case E_RE_SET_ITEM:
