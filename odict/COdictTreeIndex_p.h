@@ -19,8 +19,8 @@
 /// (a default-constructed slot is free) and `quint64 hash() const`. Removal shifts the later
 /// slots of a probe run back, so no tombstones are left; the table is a power of two long and at
 /// most seven eighths full. So full a table probes a few slots more than a sparser one, but with
-/// slots of 24 or 32 bytes a run still lies in one or two cache lines, and the tables of a large
-/// dictionary take half the memory.
+/// slots of 24 or 32 bytes a run still lies in one or two cache lines, and for many sizes the
+/// table is half as long as at three quarters.
 template <class S>
 class COdictHashTable
 {
