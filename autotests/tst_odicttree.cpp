@@ -112,16 +112,6 @@ COdictNode *firstNode(COdictNode *top, Wanted wanted)
     return nullptr;
 }
 
-bool isGroupWithObjects(const COdictNode *node)
-{
-    return node->dataRef().type() == E_IT_GROUP && node->childCount() > 1;
-}
-
-bool hasSubObjects(const COdictNode *node)
-{
-    return node->dataRef().type() == E_IT_OBJECT && node->childCount() > 0;
-}
-
 enum eRefIdEdit_t {
     E_RE_LOAD, E_RE_RELOAD, E_RE_ADD_OBJECT, E_RE_INSERT_BEYOND_CHILDREN, E_RE_ADD_SUBOBJECT, E_RE_ADD_GROUP,
     E_RE_MOVE_SUBOBJECT, E_RE_MOVE_GROUP, E_RE_DELETE_OBJECT, E_RE_DELETE_GROUP, E_RE_SET_BY_REF_ID,
@@ -474,11 +464,21 @@ private slots:
                 dict->objectTree()->clear();
         }
         COdictObjectTree &tree = *dict->objectTree();
-        QSet<QUuid> seen = refIdsOf(tree);
         COdictNode *top = tree.dictionaryNode();
-        COdictNode *group = top ? firstNode(top, isGroupWithObjects) : nullptr;
-        COdictNode *owner = top ? firstNode(top, hasSubObjects) : nullptr;
-        QVERIFY(edit == E_RE_LOAD || extended || (top && group && owner)); // a load goes into an empty tree
+        COdictNode *group = nullptr; // { object with a sub-object, object }
+        COdictNode *other = nullptr; // { object }
+        COdictNode *owner = nullptr;
+        if (top) {
+            // Beside the generated part (whose shape depends on the compiler's order of evaluating
+            // arguments), a known one that the edits work on.
+            QVERIFY(dict->addEditorGroup(top) && dict->addEditorGroup(top));
+            group = top->child(top->childCount() - 2);
+            other = top->child(top->childCount() - 1);
+            QVERIFY(dict->addEditorObject(group) && dict->addEditorObject(group) && dict->addEditorObject(other));
+            owner = group->child(0);
+            QVERIFY(dict->addEditorSubobject(owner));
+        }
+        QSet<QUuid> seen = refIdsOf(tree);
         QScopedPointer<COdictNode> unlinked;
         QScopedPointer<COdict> copy;
 
@@ -516,15 +516,11 @@ private slots:
         case E_RE_ADD_GROUP:
             QVERIFY(dict->insertEditorGroup(group, 0));
             break;
-        case E_RE_MOVE_SUBOBJECT: {
-            COdictNode *other = firstNode(top, [owner](const COdictNode *n) {
-                return n != owner && n->dataRef().type() == E_IT_OBJECT;
-            });
-            QVERIFY(dict->moveEditorObject(owner->child(0), other, 0));
+        case E_RE_MOVE_SUBOBJECT:
+            QVERIFY(dict->moveEditorObject(owner->child(0), other->child(0), 0));
             break;
-        }
         case E_RE_MOVE_GROUP:
-            QVERIFY(dict->moveEditorObject(group, top->child(top->childCount() - 1) == group ? top->child(0) : top->child(top->childCount() - 1), 0));
+            QVERIFY(dict->moveEditorObject(group, other, 0));
             break;
         case E_RE_DELETE_OBJECT:
             QVERIFY(dict->delEditorObject(owner->dataRef().toEditorObject()));
@@ -576,18 +572,10 @@ private slots:
             tree.unindexSubtree(group);
             QVERIFY(group->parent()->removeChild(group));
             break;
-        case E_RE_TAKE_AND_RELINK: {
-            COdictNode *target = firstNode(top, [group](const COdictNode *n) {
-                for (const COdictNode *up = n; up; up = up->parent()) {
-                    if (up == group)
-                        return false;
-                }
-                return n->dataRef().type() == E_IT_OBJECT;
-            });
-            QVERIFY(target && group->parent()->takeChild(group));
-            QVERIFY(target->insertChild(group, 0));
+        case E_RE_TAKE_AND_RELINK:
+            QVERIFY(top->takeChild(group));
+            QVERIFY(other->child(0)->insertChild(group, 0));
             break;
-        }
         case E_RE_TAKE:
             tree.unindexSubtree(group);
             unlinked.reset(group->parent()->takeChild(group));
