@@ -5,6 +5,7 @@
 #include "COdictObjectTree.h"
 #include "COdictObjectTree_p.h"
 
+#include <QHash>
 #include <QMap>
 #include <QSet>
 #include <QVector>
@@ -20,6 +21,9 @@
 /// - no entry of either index points outside the tree, and the sizes agree;
 /// - the hash tables beside the two maps hold the same entries: every lookup answers what the
 ///   map holds, and each table has as many entries as its map.
+/// - objects looked up by id and by name are those of the nodes the maps hold;
+/// - a lookup by reference id answers, for every node of the tree, the first node in pre-order
+///   with that reference id, and the reference-id index has one entry per distinct id.
 /// Failures are reported with QVERIFY/QCOMPARE; callers check QTest::currentTestFailed() afterwards.
 inline void checkIndexInvariants(const COdictObjectTree &tree)
 {
@@ -86,10 +90,34 @@ inline void checkIndexInvariants(const COdictObjectTree &tree)
     for (auto it = names.cbegin(); it != names.cend(); ++it)
         QVERIFY2(tree.node(it.key()) == it.value(),
                  qPrintable(QStringLiteral("name lookup of %1 disagrees with the map").arg(it.key().mergedName())));
+    // The objects held beside the nodes.
+    const auto objectOf = [](const COdictNode *node) { return node && node->hasData() ? node->dataPtr()->objectPtr() : nullptr; };
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it)
+        QVERIFY2(tree.objectPtr(it.key()) == objectOf(it.value()),
+                 qPrintable(QStringLiteral("object of %1 is not its node's").arg(it.key().toStr(QStringLiteral("0x")))));
+    for (auto it = names.cbegin(); it != names.cend(); ++it)
+        QVERIFY2(tree.objectPtr(it.key()) == objectOf(it.value()),
+                 qPrintable(QStringLiteral("object of %1 is not its node's").arg(it.key().mergedName())));
+
+    // Reference ids: the first holder in pre-order, as a walk finds it.
+    QHash<QUuid, const COdictNode *> firstHolder;
+    QVector<const COdictNode *> walk{tree.rootNode()};
+    while (!walk.isEmpty()) {
+        const COdictNode *current = walk.takeLast();
+        if (!firstHolder.contains(current->dataRef().refId()))
+            firstHolder.insert(current->dataRef().refId(), current);
+        for (int i = current->childCount() - 1; i >= 0; --i)
+            walk.append(current->child(i));
+    }
+    for (auto it = firstHolder.cbegin(); it != firstHolder.cend(); ++it)
+        QVERIFY2(tree.findNodeByRefId(it.key()) == it.value(),
+                 qPrintable(QStringLiteral("reference id %1 does not find its first node").arg(it.key().toString())));
+
     struct Peek : COdictObjectTree // reaches the protected private object, read-only
     {
         static const COdictObjectTreePrivate *d(const COdictObjectTree &t) { return (t.*(&Peek::d_ptr)).data(); }
     };
     QCOMPARE(Peek::d(tree)->idIndex.hashedCount(), ids.size());
     QCOMPARE(Peek::d(tree)->nameIndex.hashedCount(), names.size());
+    QCOMPARE(Peek::d(tree)->refIdIndex.size(), firstHolder.size());
 }

@@ -1,6 +1,6 @@
 // Lookups, copy, save and the exporters of a generated dictionary, each beside the load of the
 // same file measured in the same run (the machine is noisy: compare ratios, not milliseconds).
-//   bench_index --benchmark_filter=Lookup        lookups by id, by name, by plain text
+//   bench_index --benchmark_filter=Lookup        lookups by id, by name, by plain text, by reference id
 //   bench_index --benchmark_filter='/100000'     load, copy, save and exports at 100,000 objects
 // BM_Memory reports the heap that a loaded dictionary keeps per record, and the heap's peak
 // during the load, during save and during each export over what the loaded dictionary keeps.
@@ -257,6 +257,19 @@ void BM_LookupByPlainText(benchmark::State &state)
     lookupLoop(state, keys, [&dictionary](const QString &key) { return dictionary.objectPtr(key); });
 }
 BENCHMARK(BM_LookupByPlainText)->Arg(0)->Arg(1);
+
+void BM_LookupByRefId(benchmark::State &state)
+{
+    const COdictEdit &dictionary = loaded(100000);
+    QVector<QUuid> keys;
+    const COdictObjectTree *tree = dictionary.objectTree();
+    for (const COdictNode *node : tree->idIndex())
+        keys.append(node->dataRef().refId());
+    if (state.range(0) == 1)
+        std::shuffle(keys.begin(), keys.end(), std::mt19937(7));
+    lookupLoop(state, keys, [&dictionary](const QUuid &key) { return dictionary.odictItemPtr(key); });
+}
+BENCHMARK(BM_LookupByRefId)->Arg(0)->Arg(1);
 
 // Heap figures, one run each: retained bytes per record of a loaded dictionary, and the peaks of
 // load, save and each export as a ratio of that.

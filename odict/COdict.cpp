@@ -425,38 +425,51 @@ const COdictNode *COdict::lookup(const COdictObjectId &uid) const
     return d->tree ? d->tree->node(uid) : nullptr;
 }
 
-const COdictNode *COdict::lookup(const COdictObjectName &name) const
+const COdictNode *COdict::lookup(const QString &name, unsigned int subId) const
 {
     Q_D(const COdict);
-    return d->tree ? d->tree->node(name) : nullptr;
+    return d->tree ? d->tree->node(name, subId) : nullptr;
 }
 
-// Every family is written once per key form: the key is built, the node looked up, and the
-// family's expression applied to the node `n` (null when the key is unknown).
-#define KRODICT_DEFINE_FAMILY(R, fn, CONST, EXPR)                                                         \
-    R COdict::fn(const COdictObjectId &uid) CONST { const COdictNode *n = lookup(uid); return EXPR; }     \
-    R COdict::fn(unsigned int id, unsigned int subId) CONST                                                \
-    { const COdictNode *n = lookup(COdictObjectId(id, subId)); return EXPR; }                              \
-    R COdict::fn(unsigned int id) CONST { const COdictNode *n = lookup(COdictObjectId(id)); return EXPR; } \
-    R COdict::fn(unsigned long long packed) CONST                                                          \
-    { const COdictNode *n = lookup(COdictObjectId(packed)); return EXPR; }                                 \
-    R COdict::fn(NkrObjectIds::eObjectId_t id) CONST                                                       \
-    { const COdictNode *n = lookup(COdictObjectId(id)); return EXPR; }                                     \
+const COdictObject *COdict::lookupObject(const COdictObjectId &uid) const
+{
+    Q_D(const COdict);
+    return d->tree ? d->tree->objectPtr(uid) : nullptr;
+}
+
+const COdictObject *COdict::lookupObject(const QString &name, unsigned int subId) const
+{
+    Q_D(const COdict);
+    return d->tree ? d->tree->objectPtr(name, subId) : nullptr;
+}
+
+// Every family is written once per key form: the key is built, then LOOK finds what the family
+// needs (the node or only its object: the indexes hold both), and the family's expression is
+// applied to it as `n` (null when the key is unknown). Names are passed on as they are, so that
+// no lookup copies a string.
+#define KRODICT_DEFINE_FAMILY_BY(R, fn, CONST, T, LOOK, EXPR)                                             \
+    R COdict::fn(const COdictObjectId &uid) CONST { T n = LOOK(uid); return EXPR; }                        \
+    R COdict::fn(unsigned int id, unsigned int subId) CONST { T n = LOOK(COdictObjectId(id, subId)); return EXPR; } \
+    R COdict::fn(unsigned int id) CONST { T n = LOOK(COdictObjectId(id)); return EXPR; }                   \
+    R COdict::fn(unsigned long long packed) CONST { T n = LOOK(COdictObjectId(packed)); return EXPR; }     \
+    R COdict::fn(NkrObjectIds::eObjectId_t id) CONST { T n = LOOK(COdictObjectId(id)); return EXPR; }      \
     R COdict::fn(NkrObjectIds::eObjectId_t id, unsigned int subId) CONST                                   \
-    { const COdictNode *n = lookup(COdictObjectId(id, subId)); return EXPR; }                              \
-    R COdict::fn(const COdictObjectName &name) CONST { const COdictNode *n = lookup(name); return EXPR; }  \
-    R COdict::fn(const QString &name) CONST                                                                \
-    { const COdictNode *n = lookup(COdictObjectName(name)); return EXPR; }                                 \
-    R COdict::fn(const QString &name, unsigned int subId) CONST                                            \
-    { const COdictNode *n = lookup(COdictObjectName(name, subId)); return EXPR; }
+    { T n = LOOK(COdictObjectId(id, subId)); return EXPR; }                                                \
+    R COdict::fn(const COdictObjectName &name) CONST { T n = LOOK(name.name(), name.subId()); return EXPR; } \
+    R COdict::fn(const QString &name) CONST { T n = LOOK(name, 0xFFFFFFFFu); return EXPR; }                 \
+    R COdict::fn(const QString &name, unsigned int subId) CONST { T n = LOOK(name, subId); return EXPR; }
+
+#define KRODICT_DEFINE_FAMILY(R, fn, CONST, EXPR) KRODICT_DEFINE_FAMILY_BY(R, fn, CONST, const COdictNode *, lookup, EXPR)
+#define KRODICT_DEFINE_OBJECT_FAMILY(R, fn, CONST, EXPR)                                                  \
+    KRODICT_DEFINE_FAMILY_BY(R, fn, CONST, const COdictObject *, lookupObject, EXPR)
 
 #define KRODICT_CONST const
 #define KRODICT_MUTABLE
 
 KRODICT_DEFINE_FAMILY(const COdictNode *, node, KRODICT_CONST, n)
 KRODICT_DEFINE_FAMILY(COdictNode *, node, KRODICT_MUTABLE, const_cast<COdictNode *>(n))
-KRODICT_DEFINE_FAMILY(const COdictObject *, objectPtr, KRODICT_CONST, objectOf(n))
-KRODICT_DEFINE_FAMILY(COdictObject *, objectPtr, KRODICT_MUTABLE, const_cast<COdictObject *>(objectOf(n)))
+KRODICT_DEFINE_OBJECT_FAMILY(const COdictObject *, objectPtr, KRODICT_CONST, n)
+KRODICT_DEFINE_OBJECT_FAMILY(COdictObject *, objectPtr, KRODICT_MUTABLE, const_cast<COdictObject *>(n))
 KRODICT_DEFINE_FAMILY(COdictObject, object, KRODICT_CONST, n ? n->dataRef().toObject() : COdictObject())
 KRODICT_DEFINE_FAMILY(COdictValueObject, valueObject, KRODICT_CONST,
                       n ? n->dataRef().toValueObject() : COdictValueObject())
@@ -464,10 +477,9 @@ KRODICT_DEFINE_FAMILY(COdictEditorObject, editorObject, KRODICT_CONST,
                       n ? n->dataRef().toEditorObject() : COdictEditorObject())
 KRODICT_DEFINE_FAMILY(COdictParameterObject, parameterObject, KRODICT_CONST,
                       n ? n->dataRef().toParameterObject() : COdictParameterObject())
-KRODICT_DEFINE_FAMILY(unsigned int, userlevelRead, KRODICT_CONST, objectOf(n) ? objectOf(n)->userlevelRead() : 0u)
-KRODICT_DEFINE_FAMILY(unsigned int, userlevelWrite, KRODICT_CONST, objectOf(n) ? objectOf(n)->userlevelWrite() : 0u)
-KRODICT_DEFINE_FAMILY(unsigned int, userlevelVisible, KRODICT_CONST,
-                      objectOf(n) ? objectOf(n)->userlevelVisible() : 0u)
+KRODICT_DEFINE_OBJECT_FAMILY(unsigned int, userlevelRead, KRODICT_CONST, n ? n->userlevelRead() : 0u)
+KRODICT_DEFINE_OBJECT_FAMILY(unsigned int, userlevelWrite, KRODICT_CONST, n ? n->userlevelWrite() : 0u)
+KRODICT_DEFINE_OBJECT_FAMILY(unsigned int, userlevelVisible, KRODICT_CONST, n ? n->userlevelVisible() : 0u)
 
 bool COdict::contains(const COdictObjectId &uid) const { return lookup(uid) != nullptr; }
 bool COdict::contains(unsigned int id, unsigned int subId) const { return contains(COdictObjectId(id, subId)); }

@@ -204,7 +204,9 @@ protected:
 
 private:
     const COdictNode *lookup(const COdictObjectId &uid) const;
-    const COdictNode *lookup(const COdictObjectName &name) const;
+    const COdictNode *lookup(const QString &name, unsigned int subId) const;
+    const COdictObject *lookupObject(const COdictObjectId &uid) const;
+    const COdictObject *lookupObject(const QString &name, unsigned int subId) const;
 
     Q_DECLARE_PRIVATE(COdict)
 };

@@ -48,15 +48,17 @@ COdictNode *walkPreOrder(COdictNode *top, Visit visit)
 // ---- COdictObjectTreePrivate ----
 
 COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, eObjectType_t kind, ICLogfile *log)
-    : q_ptr(owner), kind(kind), log(log), root(new COdictNode(COdictItem()))
+    : q_ptr(owner), kind(kind), log(log), root(new COdictRootNode(COdictItem(), this))
 {
+    refIdIndex.setRoot(root);
+    refIdIndex.addNode(root);
 }
 
 COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, const COdictObjectTreePrivate &other)
     : q_ptr(owner)
     , kind(other.kind)
     , log(other.log)
-    , root(other.root->clone())
+    , root(new COdictRootNode(other.root->dataRef(), this))
     , metaData(other.metaData)
     , fileName(other.fileName)
     , warnings(other.warnings)
@@ -68,6 +70,11 @@ COdictObjectTreePrivate::COdictObjectTreePrivate(COdictObjectTree *owner, const 
     // tables are sized once for what the source holds.
     idIndex.reserve(other.idIndex.size());
     nameIndex.reserve(other.nameIndex.size());
+    refIdIndex.reserve(other.refIdIndex.size());
+    refIdIndex.setRoot(root);
+    refIdIndex.addNode(root);
+    for (const COdictNode *child : other.root->children())
+        root->appendChild(child->clone()); // the reference-id index takes each copy as it is linked
     COdictObjectTreePrivate::indexSubtree(root);
 }
 
@@ -81,7 +88,9 @@ void COdictObjectTreePrivate::clear()
 {
     idIndex.clear();
     nameIndex.clear();
+    refIdIndex.clear(); // emptied first, so the removal below does not take the nodes out one by one
     root->removeAllChildren();
+    refIdIndex.addNode(root);
     qDeleteAll(unlinked);
     unlinked.clear();
     metaData = CXMLMetaData();
@@ -90,15 +99,11 @@ void COdictObjectTreePrivate::clear()
     dropped.clear();
 }
 
-COdictNode *COdictObjectTreePrivate::node(const COdictObjectName &name) const
-{
-    if (COdictNode *found = nameIndex.value(name))
-        return found;
-    return findGroupNode(name.name(), nullptr);
-}
-
 COdictNode *COdictObjectTreePrivate::findNodeByRefId(const QUuid &refId) const
 {
+    if (!refId.isNull())
+        return refIdIndex.value(refId);
+    // No item has the null id, so the index leaves it out; a walk gives the answer all the same.
     return walkPreOrder(root, [&refId](const COdictNode *node) {
         return node->dataRef().refId() == refId ? E_STOP : E_DESCEND;
     });
@@ -106,9 +111,14 @@ COdictNode *COdictObjectTreePrivate::findNodeByRefId(const QUuid &refId) const
 
 COdictNode *COdictObjectTreePrivate::findGroupNode(const QString &name, COdictNode *from) const
 {
+    return groupNode(name, from ? from : root);
+}
+
+COdictNode *COdictObjectTreePrivate::groupNode(QStringView name, COdictNode *from) const
+{
     if (name.isEmpty())
         return nullptr; // the root and unnamed nodes are not addressable by name
-    COdictNode *top = from ? from : root;
+    COdictNode *top = from;
     return walkPreOrder(top, [&name, top](const COdictNode *node) {
         // Only groups are searched, plus the dictionary node that holds the top-level groups.
         const eItemType_t type = node->dataRef().type();
@@ -276,8 +286,14 @@ bool COdictObjectTreePrivate::replaceObject(const X &object, const COdictObjectI
         return false; // the new id belongs to another node
     // The item may refuse the object's kind; the indexes follow only an accepted object.
     const COdictObjectName currentName = item->uniqueName();
+    const COdictObject *currentObject = item->objectPtr();
     if (!item->setObject(object))
         return false;
+    if (item->objectPtr() != currentObject) {
+        // The item made itself a new object: every entry of the node takes it.
+        idIndex.refreshObject(target);
+        nameIndex.refreshObject(target);
+    }
     if (from != to) {
         idIndex.remove(from);
         idIndex.insert(to, target);
@@ -310,6 +326,37 @@ bool COdictObjectTreePrivate::changeObjectId(const COdictObjectId &from, const C
     idIndex.remove(from);
     idIndex.insert(to, target);
     return result;
+}
+
+void COdictObjectTreePrivate::subtreeLinked(COdictNode *top)
+{
+    refIdIndex.addSubtree(top);
+}
+
+void COdictObjectTreePrivate::subtreeUnlinked(COdictNode *top)
+{
+    refIdIndex.removeSubtree(top);
+}
+
+void COdictObjectTreePrivate::itemAboutToChange(COdictNode *node)
+{
+    changingRefId = node->dataRef().refId();
+    changingObject = objectOfNode(node);
+}
+
+void COdictObjectTreePrivate::itemChanged(COdictNode *node)
+{
+    if (node->dataRef().refId() != changingRefId) {
+        refIdIndex.removeNode(node, changingRefId);
+        refIdIndex.addNode(node);
+    }
+    // A new item, or an item assigned from one of another kind, brings a new object; the id and
+    // name entries of the node follow (they hold the object beside the node).
+    if (objectOfNode(node) != changingObject && changingObject) {
+        idIndex.refreshObject(node);
+        nameIndex.refreshObject(node);
+    }
+    changingObject = nullptr;
 }
 
 void COdictObjectTreePrivate::setMetaData(const CXMLMetaData &meta)
@@ -418,29 +465,23 @@ bool COdictObjectTree::isGroup(const COdictNode *node)
 
 COdictNode *COdictObjectTree::node(const COdictObjectId &id) const { return d_func()->idIndex.value(id); }
 COdictNode *COdictObjectTree::node(unsigned int id, unsigned int subId) const { return node(COdictObjectId(id, subId)); }
-COdictNode *COdictObjectTree::node(const COdictObjectName &name) const { return d_func()->node(name); }
-COdictNode *COdictObjectTree::node(const QString &name, unsigned int subId) const { return node(COdictObjectName(name, subId)); }
-
-COdictObject *COdictObjectTree::objectPtr(const COdictObjectId &id) const
-{
-    const COdictNode *found = node(id);
-    return found && found->hasData() ? found->dataPtr()->objectPtr() : nullptr;
-}
+COdictNode *COdictObjectTree::node(const COdictObjectName &name) const { return d_func()->node(name.name(), name.subId()); }
+COdictNode *COdictObjectTree::node(const QString &name, unsigned int subId) const { return d_func()->node(name, subId); }
+COdictObject *COdictObjectTree::objectPtr(const COdictObjectId &id) const { return d_func()->idIndex.object(id); }
 
 COdictObject *COdictObjectTree::objectPtr(unsigned int id, unsigned int subId) const
 {
-    return objectPtr(COdictObjectId(id, subId));
+    return d_func()->idIndex.object(COdictObjectId(id, subId));
 }
 
 COdictObject *COdictObjectTree::objectPtr(const COdictObjectName &name) const
 {
-    const COdictNode *found = node(name);
-    return found && found->hasData() ? found->dataPtr()->objectPtr() : nullptr;
+    return d_func()->object(name.name(), name.subId());
 }
 
 COdictObject *COdictObjectTree::objectPtr(const QString &name, unsigned int subId) const
 {
-    return objectPtr(COdictObjectName(name, subId));
+    return d_func()->object(name, subId);
 }
 
 COdictNode *COdictObjectTree::findNodeByRefId(const QUuid &refId) const { return d_func()->findNodeByRefId(refId); }

@@ -32,6 +32,11 @@ class COdictObjectTreePrivate;
 /// exactly the object and sub-object nodes are indexed; the id index maps each one's uniqueId()
 /// and the name index its uniqueName() to it; no two indexed nodes share a uniqueId().
 ///
+/// The reference-id index holds every node below the root (the root included) and follows the
+/// nodes themselves: linking, unlinking and deleting subtrees and replacing items through
+/// CTreeNode's calls keep it right. Items are replaced with setData() or setItem(); an item
+/// assigned in place through dataPtr() keeps the entry of its old reference id.
+///
 /// The tree owns its nodes (and through them the items and objects); index entries and the log
 /// file are not owned. objectType() and the four createObjectNode() are the operations a derived
 /// tree overrides; everything else forwards to the private object.
@@ -88,7 +93,8 @@ public:
     COdictObject *objectPtr(const COdictObjectName &name) const;
     /// The object of the node found by (\a name, \a subId); null when none.
     COdictObject *objectPtr(const QString &name, unsigned int subId) const;
-    /// Depth-first, pre-order search for the node whose item has \a refId; null when none.
+    /// The first node in pre-order from the root whose item has \a refId, found in the reference-id
+    /// index; null when none.
     COdictNode *findNodeByRefId(const QUuid &refId) const;
     /// The first node (pre-order from \a from, the root when null, descending only into groups)
     /// with children whose item name equals \a name; null when none.

@@ -3,30 +3,8 @@
 
 #include <QtEndian>
 
+#include <cstring>
 #include <utility>
-
-namespace {
-
-constexpr size_t minCapacity = 16;
-
-
-// The smallest power of two that holds count entries at most three quarters full.
-size_t capacityFor(size_t count)
-{
-    size_t capacity = minCapacity;
-    while (capacity / 4 * 3 < count)
-        capacity *= 2;
-    return capacity;
-}
-
-// True when slot j (home h) may move back into the hole at i: its home does not lie
-// cyclically within (i, j].
-bool mayFill(size_t i, size_t j, size_t home)
-{
-    return i <= j ? (home <= i || home > j) : (home <= i && home > j);
-}
-
-} // namespace
 
 // ---- COdictIdIndex ----
 
@@ -38,80 +16,39 @@ bool COdictIdIndex::contains(const COdictObjectId &key) const
 void COdictIdIndex::insert(const COdictObjectId &key, COdictNode *node)
 {
     m_map.insert(key, node);
-    put(key.toU64(), node);
-}
-
-void COdictIdIndex::put(quint64 packed, COdictNode *node)
-{
-    if (size_t(m_used + 1) > m_slots.size() / 4 * 3)
-        rehash(capacityFor(size_t(m_used) + 1));
-    for (size_t i = slotOf(packed);; i = (i + 1) & m_mask) {
-        Slot &slot = m_slots[i];
-        if (slot.key == packed) {
-            slot.node = node;
-            return;
-        }
-        if (slot.key == s_empty) {
-            slot.key = packed;
-            slot.node = node;
-            ++m_used;
-            return;
-        }
+    const quint64 packed = key.toU64();
+    if (Slot *slot = m_table.find(packed, [packed](const Slot &s) { return s.key == packed; })) {
+        slot->node = node;
+        slot->object = objectOfNode(node);
+        return;
     }
+    Slot slot;
+    slot.key = packed;
+    slot.node = node;
+    slot.object = objectOfNode(node);
+    m_table.add(std::move(slot));
 }
 
 void COdictIdIndex::remove(const COdictObjectId &key)
 {
     m_map.remove(key);
-    if (m_slots.empty())
-        return;
     const quint64 packed = key.toU64();
-    size_t hole = slotOf(packed);
-    while (m_slots[hole].key != packed) {
-        if (m_slots[hole].key == s_empty)
-            return;
-        hole = (hole + 1) & m_mask;
-    }
-    // Backward shift: later slots of the probe run move into the hole, so no tombstones are left.
-    for (size_t j = (hole + 1) & m_mask; m_slots[j].key != s_empty; j = (j + 1) & m_mask) {
-        if (mayFill(hole, j, slotOf(m_slots[j].key))) {
-            m_slots[hole] = m_slots[j];
-            hole = j;
-        }
-    }
-    m_slots[hole] = Slot();
-    --m_used;
+    if (Slot *slot = m_table.find(packed, [packed](const Slot &s) { return s.key == packed; }))
+        m_table.erase(slot);
 }
 
 void COdictIdIndex::clear()
 {
     m_map.clear();
-    std::vector<Slot>().swap(m_slots);
-    m_mask = 0;
-    m_shift = 64;
-    m_used = 0;
+    m_table.clear();
 }
 
-void COdictIdIndex::reserve(int count)
+void COdictIdIndex::refreshObject(const COdictNode *node)
 {
-    const size_t capacity = capacityFor(size_t(qMax(count, m_used)));
-    if (capacity > m_slots.size())
-        rehash(capacity);
-}
-
-void COdictIdIndex::rehash(size_t capacity)
-{
-    std::vector<Slot> old(capacity);
-    old.swap(m_slots);
-    m_mask = capacity - 1;
-    m_shift = 64;
-    for (size_t c = capacity; c > 1; c /= 2)
-        --m_shift;
-    m_used = 0;
-    for (const Slot &slot : old) {
-        if (slot.key != s_empty)
-            put(slot.key, slot.node);
-    }
+    m_table.forEach([node](Slot &slot) {
+        if (slot.node == node)
+            slot.object = objectOfNode(node);
+    });
 }
 
 // ---- COdictNameIndex ----
@@ -177,43 +114,29 @@ quint32 COdictNameIndex::mergedHash(QStringView name, unsigned int subId)
     return hasher.finish();
 }
 
-bool COdictNameIndex::sameMergedKey(QStringView a, unsigned int subA, QStringView b, unsigned int subB)
+bool COdictNameIndex::sameMergedKeyOfOtherSubIds(QStringView a, unsigned int subA, QStringView b, unsigned int subB)
 {
-    if (subA == subB)
-        return a == b;
-    // Different sub-ids can still give one key: ("Speed_1", none) and ("Speed", 1).
+    // Different sub-ids can still give one key: ("Speed_1", none) and ("Speed", 1). With a the
+    // shorter name, b must start with a, and b's further characters and then b's suffix must
+    // spell a's suffix.
+    if (a.size() > b.size()) {
+        std::swap(a, b);
+        std::swap(subA, subB);
+    }
     char16_t suffixA[kMergedSuffixMax];
     char16_t suffixB[kMergedSuffixMax];
-    const qsizetype lengthA = a.size() + mergedKeySuffix(subA, suffixA);
-    const qsizetype lengthB = b.size() + mergedKeySuffix(subB, suffixB);
-    if (lengthA != lengthB)
+    const qsizetype lengthA = mergedKeySuffix(subA, suffixA);
+    const qsizetype lengthB = mergedKeySuffix(subB, suffixB);
+    const qsizetype extra = b.size() - a.size();
+    if (extra + lengthB != lengthA)
         return false;
-    for (qsizetype i = 0; i < lengthA; ++i) {
-        const char16_t ca = i < a.size() ? a[i].unicode() : suffixA[i - a.size()];
-        const char16_t cb = i < b.size() ? b[i].unicode() : suffixB[i - b.size()];
-        if (ca != cb)
+    if (std::memcmp(a.data(), b.data(), size_t(a.size()) * sizeof(QChar)) != 0)
+        return false;
+    for (qsizetype i = 0; i < extra; ++i) {
+        if (b[a.size() + i].unicode() != suffixA[i])
             return false;
     }
-    return true;
-}
-
-int COdictNameIndex::find(QStringView name, unsigned int subId, quint32 hash) const
-{
-    if (m_slots.empty())
-        return -1;
-    for (size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
-        const Slot &slot = m_slots[i];
-        if (slot.hash == 0)
-            return -1;
-        if (slot.hash == hash && sameMergedKey(slot.name, slot.subId, name, subId))
-            return int(i);
-    }
-}
-
-COdictNode *COdictNameIndex::value(QStringView name, unsigned int subId) const
-{
-    const int i = find(name, subId, mergedHash(name, subId));
-    return i < 0 ? nullptr : m_slots[size_t(i)].node;
+    return std::memcmp(suffixB, suffixA + extra, size_t(lengthB) * sizeof(char16_t)) == 0;
 }
 
 bool COdictNameIndex::contains(const COdictObjectName &name) const
@@ -224,73 +147,180 @@ bool COdictNameIndex::contains(const COdictObjectName &name) const
 void COdictNameIndex::insert(const COdictObjectName &name, COdictNode *node)
 {
     m_map.insert(name, node);
-    Slot slot;
-    slot.name = name.name();
-    slot.subId = name.subId();
-    slot.hash = mergedHash(name.name(), name.subId());
-    slot.node = node;
-    put(std::move(slot));
-}
-
-void COdictNameIndex::put(Slot &&entry)
-{
-    if (size_t(m_used + 1) > m_slots.size() / 4 * 3)
-        rehash(capacityFor(size_t(m_used) + 1));
-    for (size_t i = entry.hash & m_mask;; i = (i + 1) & m_mask) {
-        Slot &slot = m_slots[i];
-        if (slot.hash == 0) {
-            slot = std::move(entry);
-            ++m_used;
-            return;
-        }
-        if (slot.hash == entry.hash && sameMergedKey(slot.name, slot.subId, entry.name, entry.subId)) {
-            slot.node = entry.node; // like the map, the entry keeps its first key
-            return;
-        }
+    if (Slot *slot = const_cast<Slot *>(find(name.name(), name.subId()))) {
+        slot->node = node; // like the map, the entry keeps its first key
+        slot->object = objectOfNode(node);
+        return;
     }
+    Slot slot;
+    slot.hashValue = mergedHash(name.name(), name.subId());
+    slot.subId = name.subId();
+    slot.name = name.name();
+    slot.node = node;
+    slot.object = objectOfNode(node);
+    m_table.add(std::move(slot));
 }
 
 void COdictNameIndex::remove(const COdictObjectName &name)
 {
     m_map.remove(name);
-    int found = find(name.name(), name.subId(), mergedHash(name.name(), name.subId()));
-    if (found < 0)
-        return;
-    size_t hole = size_t(found);
-    // Backward shift: later slots of the probe run move into the hole, so no tombstones are left.
-    for (size_t j = (hole + 1) & m_mask; m_slots[j].hash != 0; j = (j + 1) & m_mask) {
-        if (mayFill(hole, j, m_slots[j].hash & m_mask)) {
-            m_slots[hole] = std::move(m_slots[j]);
-            hole = j;
-        }
-    }
-    m_slots[hole] = Slot();
-    --m_used;
+    if (const Slot *slot = find(name.name(), name.subId()))
+        m_table.erase(const_cast<Slot *>(slot));
 }
 
 void COdictNameIndex::clear()
 {
     m_map.clear();
-    std::vector<Slot>().swap(m_slots);
-    m_mask = 0;
-    m_used = 0;
+    m_table.clear();
 }
 
-void COdictNameIndex::reserve(int count)
+void COdictNameIndex::refreshObject(const COdictNode *node)
 {
-    const size_t capacity = capacityFor(size_t(qMax(count, m_used)));
-    if (capacity > m_slots.size())
-        rehash(capacity);
+    m_table.forEach([node](Slot &slot) {
+        if (slot.node == node)
+            slot.object = objectOfNode(node);
+    });
 }
 
-void COdictNameIndex::rehash(size_t capacity)
+// ---- COdictRefIdIndex ----
+
+namespace {
+
+// Calls visit for top and its descendants in pre-order, with a work list instead of recursion.
+template <class Visit>
+void forSubtree(const COdictNode *top, Visit visit)
 {
-    std::vector<Slot> old(capacity);
-    old.swap(m_slots);
-    m_mask = capacity - 1;
-    m_used = 0;
-    for (Slot &slot : old) {
-        if (slot.hash != 0)
-            put(std::move(slot));
+    QVector<const COdictNode *> pending{top};
+    while (!pending.isEmpty()) {
+        const COdictNode *current = pending.takeLast();
+        visit(current);
+        for (int i = current->childCount() - 1; i >= 0; --i) // reversed, so the first child comes first
+            pending.append(current->child(i));
     }
+}
+
+// The row of each node on the way from the top of its tree down to it (the top itself excluded).
+QVector<int> pathOf(const COdictNode *node)
+{
+    QVector<int> rows;
+    for (; node->parent(); node = node->parent())
+        rows.prepend(node->parent()->children().indexOf(const_cast<COdictNode *>(node)));
+    return rows;
+}
+
+// True when a comes before b in a pre-order walk of their tree: an ancestor before its
+// descendants, else the one below the earlier child where their paths part.
+bool precedes(const COdictNode *a, const COdictNode *b)
+{
+    const QVector<int> pathA = pathOf(a);
+    const QVector<int> pathB = pathOf(b);
+    const int common = qMin(pathA.size(), pathB.size());
+    for (int i = 0; i < common; ++i) {
+        if (pathA.at(i) != pathB.at(i))
+            return pathA.at(i) < pathB.at(i);
+    }
+    return pathA.size() < pathB.size();
+}
+
+} // namespace
+
+COdictRefIdIndex::Key COdictRefIdIndex::keyOf(const QUuid &refId)
+{
+    Key key;
+    key.low = quint64(refId.data1) | quint64(refId.data2) << 32 | quint64(refId.data3) << 48;
+    std::memcpy(&key.high, refId.data4, sizeof key.high);
+    return key;
+}
+
+void COdictRefIdIndex::addNode(COdictNode *node)
+{
+    const QUuid refId = node->dataRef().refId();
+    if (refId.isNull())
+        return; // no item has it; the tree walks for it
+    const Key key = keyOf(refId);
+    Slot *slot = m_table.find(key.hash(), [&key](const Slot &s) { return s.key == key; });
+    if (!slot) {
+        Slot entered;
+        entered.key = key;
+        entered.node = node;
+        m_table.add(std::move(entered));
+        return;
+    }
+    if (slot->node == node)
+        return;
+    // A second node of that reference id (items copied with their id): the earlier keeps the entry.
+    m_shared.insert(refId);
+    if (precedes(node, slot->node))
+        slot->node = node;
+}
+
+void COdictRefIdIndex::addSubtree(COdictNode *top)
+{
+    forSubtree(top, [this](const COdictNode *node) { addNode(const_cast<COdictNode *>(node)); });
+}
+
+void COdictRefIdIndex::leave(const COdictNode *node, const QUuid &refId, QSet<QUuid> *unsettled)
+{
+    if (refId.isNull())
+        return;
+    if (!m_shared.isEmpty() && m_shared.contains(refId)) {
+        unsettled->insert(refId);
+        return;
+    }
+    const Key key = keyOf(refId);
+    if (Slot *slot = m_table.find(key.hash(), [&key](const Slot &s) { return s.key == key; })) {
+        if (slot->node == node)
+            m_table.erase(slot);
+    }
+}
+
+void COdictRefIdIndex::removeNode(const COdictNode *node, const QUuid &refId)
+{
+    QSet<QUuid> unsettled;
+    leave(node, refId, &unsettled);
+    if (!unsettled.isEmpty())
+        settle(unsettled);
+}
+
+void COdictRefIdIndex::removeSubtree(COdictNode *top)
+{
+    if (m_table.count() == 0)
+        return;
+    QSet<QUuid> unsettled;
+    forSubtree(top, [&](const COdictNode *node) { leave(node, node->dataRef().refId(), &unsettled); });
+    if (!unsettled.isEmpty())
+        settle(unsettled);
+}
+
+void COdictRefIdIndex::settle(const QSet<QUuid> &refIds)
+{
+    for (const QUuid &refId : refIds) {
+        const Key key = keyOf(refId);
+        if (Slot *slot = m_table.find(key.hash(), [&key](const Slot &s) { return s.key == key; }))
+            m_table.erase(slot);
+    }
+    QHash<QUuid, int> holders;
+    if (m_root) {
+        forSubtree(m_root, [&](const COdictNode *node) {
+            const QUuid refId = node->dataRef().refId();
+            if (!refIds.contains(refId))
+                return;
+            if (holders[refId]++ == 0) {
+                Slot entered;
+                entered.key = keyOf(refId);
+                entered.node = const_cast<COdictNode *>(node);
+                m_table.add(std::move(entered));
+            }
+        });
+    }
+    for (const QUuid &refId : refIds) {
+        if (holders.value(refId) < 2)
+            m_shared.remove(refId);
+    }
+}
+
+void COdictRefIdIndex::clear()
+{
+    m_table.clear();
+    m_shared.clear();
 }

@@ -3,9 +3,33 @@
 #include <QList>
 #include <QVector>
 
+template <class T>
+class CTreeNode;
+
+/// Told by the nodes of an observed tree when nodes join or leave it and when an item in it is
+/// replaced, so that indexes over the whole tree can follow. A tree is observed when its top
+/// node (the one without parent) answers an observer from observer().
+template <class T>
+class CTreeNodeObserver
+{
+public:
+    virtual ~CTreeNodeObserver() = default;
+    /// \a top and its descendants have just been linked into the observed tree.
+    virtual void subtreeLinked(CTreeNode<T> *top) = 0;
+    /// \a top and its descendants have just been unlinked from the observed tree (and may be
+    /// deleted right after).
+    virtual void subtreeUnlinked(CTreeNode<T> *top) = 0;
+    /// The item of \a node, a node of the observed tree, is about to be replaced or assigned.
+    virtual void itemAboutToChange(CTreeNode<T> *node) = 0;
+    /// The item of \a node has been replaced or assigned.
+    virtual void itemChanged(CTreeNode<T> *node) = 0;
+};
+
 /// An owning tree node: the node owns its item and all its children; the parent is not owned.
 /// Deleting and cloning walk the subtree iteratively, so very deep trees cannot overflow the stack.
 /// T provides a copy constructor, operator= and a static sharedDefaultItem().
+/// Linking, unlinking and item changes are reported to the observer of the tree the node is in
+/// (see CTreeNodeObserver); finding it walks up to the top node, a few steps in practice.
 template <class T>
 class CTreeNode
 {
@@ -82,10 +106,15 @@ public:
     /// Assigns into the existing item (which so takes over the argument's reference id), or stores a copy.
     virtual void setData(const T &item)
     {
+        CTreeNodeObserver<T> *watcher = treeObserver();
+        if (watcher)
+            watcher->itemAboutToChange(this);
         if (m_item)
             *m_item = item;
         else
             m_item = new T(item);
+        if (watcher)
+            watcher->itemChanged(this);
     }
     /// Sets the parent pointer only; the parent's child list is not changed.
     virtual void setParent(CTreeNode *parent) { m_parent = parent; }
@@ -94,6 +123,8 @@ public:
     {
         child->m_parent = this;
         m_children.append(child);
+        if (CTreeNodeObserver<T> *watcher = treeObserver())
+            watcher->subtreeLinked(child);
     }
     /// Inserts \a child at \a index and takes ownership; false for null or an index out of range.
     virtual bool insertChild(CTreeNode *child, int index)
@@ -102,6 +133,8 @@ public:
             return false;
         child->m_parent = this;
         m_children.insert(index, child);
+        if (CTreeNodeObserver<T> *watcher = treeObserver())
+            watcher->subtreeLinked(child);
         return true;
     }
     /// Unlinks a child without deleting it; null when it is not a child.
@@ -112,6 +145,8 @@ public:
             return nullptr;
         m_children.removeAt(index);
         child->m_parent = nullptr;
+        if (CTreeNodeObserver<T> *watcher = treeObserver())
+            watcher->subtreeUnlinked(child);
         return child;
     }
     /// Unlinks and deletes \a child; false when it is not a child.
@@ -125,7 +160,7 @@ public:
     {
         if (index < 0 || index >= m_children.size())
             return false;
-        delete m_children.takeAt(index);
+        deleteUnlinked(m_children.takeAt(index), treeObserver());
         return true;
     }
     /// Deletes \a count children from \a start; false and nothing removed when out of range.
@@ -133,8 +168,9 @@ public:
     {
         if (start < 0 || count < 0 || start + count > m_children.size())
             return false;
+        CTreeNodeObserver<T> *watcher = treeObserver();
         for (int i = 0; i < count; ++i)
-            delete m_children.takeAt(start);
+            deleteUnlinked(m_children.takeAt(start), watcher);
         return true;
     }
     /// Deletes every child (and their subtrees); always true.
@@ -142,19 +178,47 @@ public:
     {
         const QList<CTreeNode *> children = m_children;
         m_children.clear();
+        CTreeNodeObserver<T> *watcher = treeObserver();
         for (CTreeNode *child : children)
-            delete child;
+            deleteUnlinked(child, watcher);
         return true;
     }
 
     /// The item pointer, taking ownership of \a item (used when building nodes).
     void setItem(T *item)
     {
+        CTreeNodeObserver<T> *watcher = treeObserver();
+        if (watcher)
+            watcher->itemAboutToChange(this);
         delete m_item;
         m_item = item;
+        if (watcher)
+            watcher->itemChanged(this);
+    }
+
+    /// The observer of the tree whose top node this is; null for every other node and for a
+    /// tree nobody observes.
+    virtual CTreeNodeObserver<T> *observer() const { return nullptr; }
+    /// The observer of the tree this node is in: that of its top node.
+    CTreeNodeObserver<T> *treeObserver() const
+    {
+        const CTreeNode *top = this;
+        while (top->m_parent)
+            top = top->m_parent;
+        return top->observer();
     }
 
 private:
+    // A child taken out of the children list leaves the tree (the observer hears of it while
+    // the nodes still exist), then is deleted with its subtree.
+    void deleteUnlinked(CTreeNode *child, CTreeNodeObserver<T> *watcher)
+    {
+        child->m_parent = nullptr;
+        if (watcher)
+            watcher->subtreeUnlinked(child);
+        delete child;
+    }
+
     T *m_item = nullptr;
     CTreeNode *m_parent = nullptr;
     QList<CTreeNode *> m_children;
