@@ -11,7 +11,10 @@
 
 #include <QSet>
 #include <QTemporaryDir>
+#include <QVector>
 #include <QtTest>
+
+#include <functional>
 
 using namespace NkrOdict;
 
@@ -628,6 +631,61 @@ private slots:
         tree.unindexSubtree(later);
         QVERIFY(!tree.node(QStringLiteral("Motor"), 12u));
         owner->removeChild(later);
+    }
+
+    // The ordered maps are built from the hash tables when first asked for and kept in step from
+    // then on: whenever that happens, they hold what maps fed every change would hold, including
+    // the first key of entries whose keys collide (a sub-object of object 0 packs like the plain
+    // id of its sub-id; "Motor_12" merges like "Motor" with sub-id 12).
+    void orderedMapsAgreeWhenBuiltLate_data()
+    {
+        QTest::addColumn<int>("askAfter"); // the step after which the maps are first asked for
+        for (const int step : {-1, 0, 2, 4, 6, 8, 9, 10})
+            QTest::newRow(qPrintable(QStringLiteral("after step %1").arg(step))) << step;
+    }
+
+    void orderedMapsAgreeWhenBuiltLate()
+    {
+        QFETCH(int, askAfter);
+        // The entries hold nodes of another tree, which stay alive; the tree under test starts empty.
+        COdictObjectTree source(E_OT_VALUE, nullptr);
+        COdictNode *a = addObject(source, addDictionary(source), 0x10u, QStringLiteral("A"));
+        COdictNode *b = addObject(source, source.dictionaryNode(), 0x11u, QStringLiteral("B"));
+        COdictObjectTree tree(E_OT_VALUE, nullptr);
+        COdictObjectTree::IdIndex ids;
+        COdictObjectTree::NameIndex names;
+        const QVector<std::function<void()>> steps = {
+            [&] { tree.insertId(COdictObjectId(0u, 5u), a); ids.insert(COdictObjectId(0u, 5u), a); },
+            [&] { tree.insertId(COdictObjectId(5u), b); ids.insert(COdictObjectId(5u), b); }, // keeps the key (0, 5)
+            [&] { tree.insertId(COdictObjectId(0x2000u, 1u), a); ids.insert(COdictObjectId(0x2000u, 1u), a); },
+            [&] { tree.insertName(COdictObjectName(QStringLiteral("Motor_12")), a); names.insert(COdictObjectName(QStringLiteral("Motor_12")), a); },
+            [&] { tree.insertName(COdictObjectName(QStringLiteral("Motor"), 12u), b); names.insert(COdictObjectName(QStringLiteral("Motor"), 12u), b); },
+            [&] { tree.removeId(COdictObjectId(5u)); ids.remove(COdictObjectId(5u)); },
+            [&] { tree.insertId(COdictObjectId(5u), b); ids.insert(COdictObjectId(5u), b); }, // now keeps (5)
+            [&] { tree.removeName(COdictObjectName(QStringLiteral("Motor"), 12u), b); names.remove(COdictObjectName(QStringLiteral("Motor"), 12u)); },
+            [&] { tree.insertName(COdictObjectName(QStringLiteral("Zeta")), nullptr); names.insert(COdictObjectName(QStringLiteral("Zeta")), nullptr); },
+            [&] { tree.insertId(COdictObjectId(0u, 7u), a); ids.insert(COdictObjectId(0u, 7u), a); },
+            [&] { tree.insertId(COdictObjectId(7u), b); ids.insert(COdictObjectId(7u), b); }, // keeps the key (0, 7)
+        };
+        for (int step = 0; step < steps.size(); ++step) {
+            steps[step]();
+            if (step == askAfter) {
+                tree.idIndex();
+                tree.nameIndex();
+            }
+        }
+        QCOMPARE(tree.idIndex().keys(), ids.keys());
+        for (auto i = tree.idIndex().cbegin(); i != tree.idIndex().cend(); ++i) {
+            QCOMPARE(i.key().id(), ids.find(i.key()).key().id()); // the first key, not only an equal one
+            QCOMPARE(i.key().subId(), ids.find(i.key()).key().subId());
+            QCOMPARE(i.value(), ids.value(i.key()));
+        }
+        QCOMPARE(tree.nameIndex().size(), names.size());
+        for (auto i = tree.nameIndex().cbegin(), e = names.cbegin(); i != tree.nameIndex().cend(); ++i, ++e) {
+            QCOMPARE(i.key().name(), e.key().name());
+            QCOMPARE(i.key().subId(), e.key().subId());
+            QCOMPARE(i.value(), e.value());
+        }
     }
 
     // Many objects, then renames, re-numberings and removals in a fixed pseudo-random order: the

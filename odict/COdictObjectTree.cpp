@@ -266,8 +266,7 @@ void COdictObjectTreePrivate::unindexSubtree(COdictNode *node)
 
 void COdictObjectTreePrivate::removeName(const COdictObjectName &name, const COdictNode *node)
 {
-    const auto it = nameIndex.map().constFind(name);
-    if (it != nameIndex.map().cend() && it.value() == node)
+    if (nameIndex.value(name) == node) // a missing entry and one holding null both give null
         nameIndex.remove(name);
 }
 

@@ -1,27 +1,52 @@
 #include "COdictTreeIndex_p.h"
 #include "COdictMergedKey_p.h"
 
+#include "COdictObject.h"
+
+#include <QMutex>
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
+
+namespace {
+
+// Maps are built rarely; one lock for all of them keeps the indexes small.
+QBasicMutex mapBuildLock;
+
+// Sorts \a entries by key and fills \a map with them; each lands at the end, so the map is built
+// in linear time after the sort.
+template <class Map, class Entries>
+void fillMap(Map &map, Entries &entries)
+{
+    std::sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    map.clear();
+    for (const auto &entry : entries)
+        map.insert(map.cend(), entry.first, entry.second);
+}
+
+} // namespace
 
 // ---- COdictIdIndex ----
 
 bool COdictIdIndex::contains(const COdictObjectId &key) const
 {
-    return m_map.contains(key);
+    return find(key.toU64()) != nullptr;
 }
 
 void COdictIdIndex::insert(const COdictObjectId &key, COdictNode *node)
 {
-    m_map.insert(key, node);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        m_map.insert(key, node);
     const quint64 packed = key.toU64();
     if (Slot *slot = m_table.find(packed, [packed](const Slot &s) { return s.key == packed; })) {
         slot->node = node;
         slot->object = objectOfNode(node);
         return;
     }
+    if (key.id() == 0 && key.subId() != COdictObject::NoId)
+        m_zeroSubKeys.insert(packed, key);
     Slot slot;
     slot.key = packed;
     slot.node = node;
@@ -29,10 +54,27 @@ void COdictIdIndex::insert(const COdictObjectId &key, COdictNode *node)
     m_table.add(std::move(slot));
 }
 
+void COdictIdIndex::buildMap() const
+{
+    QMutexLocker locker(&mapBuildLock);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        return;
+    std::vector<std::pair<COdictObjectId, COdictNode *>> entries;
+    entries.reserve(size_t(m_table.count()));
+    m_table.forEach([this, &entries](const Slot &slot) {
+        const auto zero = m_zeroSubKeys.constFind(slot.key);
+        entries.emplace_back(zero != m_zeroSubKeys.cend() ? zero.value() : COdictObjectId(quint64(slot.key)), slot.node);
+    });
+    fillMap(m_map, entries);
+    m_mapBuilt.store(true, std::memory_order_release);
+}
+
 void COdictIdIndex::remove(const COdictObjectId &key)
 {
-    m_map.remove(key);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        m_map.remove(key);
     const quint64 packed = key.toU64();
+    m_zeroSubKeys.remove(packed);
     if (Slot *slot = m_table.find(packed, [packed](const Slot &s) { return s.key == packed; }))
         m_table.erase(slot);
 }
@@ -40,6 +82,8 @@ void COdictIdIndex::remove(const COdictObjectId &key)
 void COdictIdIndex::clear()
 {
     m_map.clear();
+    m_mapBuilt.store(false, std::memory_order_release);
+    m_zeroSubKeys.clear();
     m_table.clear();
 }
 
@@ -141,12 +185,25 @@ bool COdictNameIndex::sameMergedKeyOfOtherSubIds(QStringView a, unsigned int sub
 
 bool COdictNameIndex::contains(const COdictObjectName &name) const
 {
-    return m_map.contains(name);
+    return find(name.name(), name.subId()) != nullptr;
+}
+
+void COdictNameIndex::buildMap() const
+{
+    QMutexLocker locker(&mapBuildLock);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        return;
+    std::vector<std::pair<COdictObjectName, COdictNode *>> entries;
+    entries.reserve(size_t(m_table.count()));
+    m_table.forEach([&entries](const Slot &slot) { entries.emplace_back(COdictObjectName(slot.name, slot.subId), slot.node); });
+    fillMap(m_map, entries);
+    m_mapBuilt.store(true, std::memory_order_release);
 }
 
 void COdictNameIndex::insert(const COdictObjectName &name, COdictNode *node)
 {
-    m_map.insert(name, node);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        m_map.insert(name, node);
     if (Slot *slot = const_cast<Slot *>(find(name.name(), name.subId()))) {
         slot->node = node; // like the map, the entry keeps its first key
         slot->object = objectOfNode(node);
@@ -163,7 +220,8 @@ void COdictNameIndex::insert(const COdictObjectName &name, COdictNode *node)
 
 void COdictNameIndex::remove(const COdictObjectName &name)
 {
-    m_map.remove(name);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        m_map.remove(name);
     if (const Slot *slot = find(name.name(), name.subId()))
         m_table.erase(const_cast<Slot *>(slot));
 }
@@ -171,6 +229,7 @@ void COdictNameIndex::remove(const COdictObjectName &name)
 void COdictNameIndex::clear()
 {
     m_map.clear();
+    m_mapBuilt.store(false, std::memory_order_release);
     m_table.clear();
 }
 

@@ -2,18 +2,22 @@
 
 #include "COdictObjectTree.h"
 
+#include <QHash>
 #include <QSet>
 #include <QStringView>
 
+#include <atomic>
 #include <cstring>
 #include <vector>
 
-// The indexes of a tree. The id and name indexes each keep the ordered map that the tree hands
-// out (and that the ordered results walk) and beside it an open-addressing hash table of exactly
-// the same entries, so that lookups cost a hash and a probe or two instead of a walk down a tree
-// of string or id comparisons. Every change goes through these classes, which keeps the map and
-// the table in step. A slot holds what a lookup answers: the node and its object, so that a
-// lookup of an object reads one slot and nothing else.
+// The indexes of a tree. The id and name indexes each keep an open-addressing hash table, so that
+// lookups cost a hash and a probe or two instead of a walk down a tree of string or id
+// comparisons, and the ordered map that the tree hands out (and that the ordered results walk).
+// The map is built from the table the first time it is asked for and kept in step from then on:
+// loading a dictionary fills only the tables, and a dictionary whose order nobody asks for never
+// pays for the map. Every change goes through these classes, which keeps the map and the table in
+// step. A slot holds what a lookup answers: the node and its object, so that a lookup of an
+// object reads one slot and nothing else.
 
 /// Open addressing with linear probing over slots of type S, which has `bool isFree() const`
 /// (a default-constructed slot is free) and `quint64 hash() const`. Removal shifts the later
@@ -94,6 +98,15 @@ public:
                 visit(slot);
         }
     }
+    /// Calls \a visit for every slot in use (in table order).
+    template <class Visit>
+    void forEach(Visit visit) const
+    {
+        for (const S &slot : m_slots) {
+            if (!slot.isFree())
+                visit(slot);
+        }
+    }
 
 private:
     static size_t capacityFor(size_t count)
@@ -145,8 +158,13 @@ inline COdictObject *objectOfNode(const COdictNode *node)
 class COdictIdIndex
 {
 public:
-    /// The ordered map (key order as COdictObjectId orders).
-    const COdictObjectTree::IdIndex &map() const { return m_map; }
+    /// The ordered map (key order as COdictObjectId orders), built on the first call.
+    const COdictObjectTree::IdIndex &map() const
+    {
+        if (!m_mapBuilt.load(std::memory_order_acquire))
+            buildMap();
+        return m_map;
+    }
     /// The node entered under \a key (the entry may hold null); null when there is none.
     COdictNode *value(const COdictObjectId &key) const
     {
@@ -169,12 +187,14 @@ public:
     void clear();
     /// Makes room for \a count entries without growing again.
     void reserve(int count) { m_table.reserve(count); }
-    /// Entries of the map.
-    int size() const { return m_map.size(); }
+    /// Entries.
+    int size() const { return m_table.count(); }
     /// True when there are no entries.
-    bool isEmpty() const { return m_map.isEmpty(); }
-    /// Entries of the hash table (the same as size() while the two are in step).
+    bool isEmpty() const { return m_table.count() == 0; }
+    /// Entries of the hash table (the same as size()).
     int hashedCount() const { return m_table.count(); }
+    /// Whether the ordered map has been built (it then holds size() entries).
+    bool hasMap() const { return m_mapBuilt.load(std::memory_order_acquire); }
     /// Takes the object of \a node afresh into every entry that holds \a node.
     void refreshObject(const COdictNode *node);
 
@@ -199,8 +219,14 @@ private:
     {
         return m_table.find(packed, [packed](const Slot &slot) { return slot.key == packed; });
     }
+    void buildMap() const;
 
-    COdictObjectTree::IdIndex m_map;
+    // The packed form of a sub-object of object 0 is that of the plain id of its sub-id. Like
+    // the map, an entry keeps the key it was first entered with: those keys are kept here, as the
+    // packed key cannot tell them.
+    QHash<quint64, COdictObjectId> m_zeroSubKeys;
+    mutable COdictObjectTree::IdIndex m_map;
+    mutable std::atomic<bool> m_mapBuilt{false};
     COdictHashTable<Slot> m_table;
 };
 
@@ -208,8 +234,13 @@ private:
 class COdictNameIndex
 {
 public:
-    /// The ordered map (key order as COdictObjectName orders).
-    const COdictObjectTree::NameIndex &map() const { return m_map; }
+    /// The ordered map (key order as COdictObjectName orders), built on the first call.
+    const COdictObjectTree::NameIndex &map() const
+    {
+        if (!m_mapBuilt.load(std::memory_order_acquire))
+            buildMap();
+        return m_map;
+    }
     /// The node entered under the merged key of \a name (the entry may hold null); null when none.
     COdictNode *value(const COdictObjectName &name) const { return value(name.name(), name.subId()); }
     /// The node entered under the merged key of (\a name, \a subId); null when none.
@@ -238,12 +269,14 @@ public:
     void clear();
     /// Makes room for \a count entries without growing again.
     void reserve(int count) { m_table.reserve(count); }
-    /// Entries of the map.
-    int size() const { return m_map.size(); }
+    /// Entries.
+    int size() const { return m_table.count(); }
     /// True when there are no entries.
-    bool isEmpty() const { return m_map.isEmpty(); }
-    /// Entries of the hash table (the same as size() while the two are in step).
+    bool isEmpty() const { return m_table.count() == 0; }
+    /// Entries of the hash table (the same as size()).
     int hashedCount() const { return m_table.count(); }
+    /// Whether the ordered map has been built (it then holds size() entries).
+    bool hasMap() const { return m_mapBuilt.load(std::memory_order_acquire); }
     /// Takes the object of \a node afresh into every entry that holds \a node.
     void refreshObject(const COdictNode *node);
 
@@ -284,7 +317,10 @@ private:
         });
     }
 
-    COdictObjectTree::NameIndex m_map;
+    void buildMap() const;
+
+    mutable COdictObjectTree::NameIndex m_map;
+    mutable std::atomic<bool> m_mapBuilt{false};
     COdictHashTable<Slot> m_table;
 };
 
