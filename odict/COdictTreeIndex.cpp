@@ -15,18 +15,27 @@ namespace {
 // Maps are built rarely; one lock for all of them keeps the indexes small.
 QBasicMutex mapBuildLock;
 
-// Sorts \a entries by key and fills \a map with them; each lands at the end, so the map is built
-// in linear time after the sort.
-template <class Map, class Entries>
-void fillMap(Map &map, Entries &entries)
+} // namespace
+
+template <class D, class M, class S>
+void COdictOrderedHashIndex<D, M, S>::buildMap() const
 {
+    QMutexLocker locker(&mapBuildLock);
+    if (mapInStep())
+        return;
+    std::vector<std::pair<typename M::key_type, COdictNode *>> entries;
+    entries.reserve(size_t(m_table.count()));
+    const D &index = static_cast<const D &>(*this);
+    m_table.forEach([&index, &entries](const S &slot) { entries.emplace_back(index.keyOf(slot), slot.node); });
     std::sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
-    map.clear();
+    m_map.clear();
     for (const auto &entry : entries)
-        map.insert(map.cend(), entry.first, entry.second);
+        m_map.insert(m_map.cend(), entry.first, entry.second); // in order: each lands at the end
+    m_mapBuilt.store(true, std::memory_order_release);
 }
 
-} // namespace
+template class COdictOrderedHashIndex<COdictIdIndex, COdictObjectTree::IdIndex, COdictIdSlot>;
+template class COdictOrderedHashIndex<COdictNameIndex, COdictObjectTree::NameIndex, COdictNameSlot>;
 
 // ---- COdictIdIndex ----
 
@@ -37,7 +46,7 @@ bool COdictIdIndex::contains(const COdictObjectId &key) const
 
 void COdictIdIndex::insert(const COdictObjectId &key, COdictNode *node)
 {
-    if (m_mapBuilt.load(std::memory_order_relaxed))
+    if (mapInStep())
         m_map.insert(key, node);
     const quint64 packed = key.toU64();
     if (Slot *slot = m_table.find(packed, [packed](const Slot &s) { return s.key == packed; })) {
@@ -54,24 +63,15 @@ void COdictIdIndex::insert(const COdictObjectId &key, COdictNode *node)
     m_table.add(std::move(slot));
 }
 
-void COdictIdIndex::buildMap() const
+COdictObjectId COdictIdIndex::keyOf(const COdictIdSlot &slot) const
 {
-    QMutexLocker locker(&mapBuildLock);
-    if (m_mapBuilt.load(std::memory_order_relaxed))
-        return;
-    std::vector<std::pair<COdictObjectId, COdictNode *>> entries;
-    entries.reserve(size_t(m_table.count()));
-    m_table.forEach([this, &entries](const Slot &slot) {
-        const auto zero = m_zeroSubKeys.constFind(slot.key);
-        entries.emplace_back(zero != m_zeroSubKeys.cend() ? zero.value() : COdictObjectId(quint64(slot.key)), slot.node);
-    });
-    fillMap(m_map, entries);
-    m_mapBuilt.store(true, std::memory_order_release);
+    const auto zero = m_zeroSubKeys.constFind(slot.key);
+    return zero != m_zeroSubKeys.cend() ? zero.value() : COdictObjectId(quint64(slot.key));
 }
 
 void COdictIdIndex::remove(const COdictObjectId &key)
 {
-    if (m_mapBuilt.load(std::memory_order_relaxed))
+    if (mapInStep())
         m_map.remove(key);
     const quint64 packed = key.toU64();
     m_zeroSubKeys.remove(packed);
@@ -81,18 +81,8 @@ void COdictIdIndex::remove(const COdictObjectId &key)
 
 void COdictIdIndex::clear()
 {
-    m_map.clear();
-    m_mapBuilt.store(false, std::memory_order_release);
     m_zeroSubKeys.clear();
-    m_table.clear();
-}
-
-void COdictIdIndex::refreshObject(const COdictNode *node)
-{
-    m_table.forEach([node](Slot &slot) {
-        if (slot.node == node)
-            slot.object = objectOfNode(node);
-    });
+    clearEntries();
 }
 
 // ---- COdictNameIndex ----
@@ -188,21 +178,9 @@ bool COdictNameIndex::contains(const COdictObjectName &name) const
     return find(name.name(), name.subId()) != nullptr;
 }
 
-void COdictNameIndex::buildMap() const
-{
-    QMutexLocker locker(&mapBuildLock);
-    if (m_mapBuilt.load(std::memory_order_relaxed))
-        return;
-    std::vector<std::pair<COdictObjectName, COdictNode *>> entries;
-    entries.reserve(size_t(m_table.count()));
-    m_table.forEach([&entries](const Slot &slot) { entries.emplace_back(COdictObjectName(slot.name, slot.subId), slot.node); });
-    fillMap(m_map, entries);
-    m_mapBuilt.store(true, std::memory_order_release);
-}
-
 void COdictNameIndex::insert(const COdictObjectName &name, COdictNode *node)
 {
-    if (m_mapBuilt.load(std::memory_order_relaxed))
+    if (mapInStep())
         m_map.insert(name, node);
     if (Slot *slot = const_cast<Slot *>(find(name.name(), name.subId()))) {
         slot->node = node; // like the map, the entry keeps its first key
@@ -220,7 +198,7 @@ void COdictNameIndex::insert(const COdictObjectName &name, COdictNode *node)
 
 void COdictNameIndex::remove(const COdictObjectName &name)
 {
-    if (m_mapBuilt.load(std::memory_order_relaxed))
+    if (mapInStep())
         m_map.remove(name);
     if (const Slot *slot = find(name.name(), name.subId()))
         m_table.erase(const_cast<Slot *>(slot));
@@ -228,17 +206,7 @@ void COdictNameIndex::remove(const COdictObjectName &name)
 
 void COdictNameIndex::clear()
 {
-    m_map.clear();
-    m_mapBuilt.store(false, std::memory_order_release);
-    m_table.clear();
-}
-
-void COdictNameIndex::refreshObject(const COdictNode *node)
-{
-    m_table.forEach([node](Slot &slot) {
-        if (slot.node == node)
-            slot.object = objectOfNode(node);
-    });
+    clearEntries();
 }
 
 // ---- COdictRefIdIndex ----

@@ -154,17 +154,93 @@ inline COdictObject *objectOfNode(const COdictNode *node)
     return node && node->hasData() ? node->dataPtr()->objectPtr() : nullptr;
 }
 
-/// Unique id to node: the ordered map and a hash table keyed by the packed id.
-class COdictIdIndex
+/// What the id and name indexes share: the hash table of slots of type S (each with a node and
+/// its object), the ordered map of type M built from it on demand by D::keyOf(slot), and the
+/// bookkeeping of both.
+template <class D, class M, class S>
+class COdictOrderedHashIndex
 {
 public:
-    /// The ordered map (key order as COdictObjectId orders), built on the first call.
-    const COdictObjectTree::IdIndex &map() const
+    /// The ordered map, built on the first call.
+    const M &map() const
     {
         if (!m_mapBuilt.load(std::memory_order_acquire))
             buildMap();
         return m_map;
     }
+    /// Makes room for \a count entries without growing again.
+    void reserve(int count) { m_table.reserve(count); }
+    /// Entries.
+    int size() const { return m_table.count(); }
+    /// True when there are no entries.
+    bool isEmpty() const { return m_table.count() == 0; }
+    /// Entries of the hash table (the same as size()).
+    int hashedCount() const { return m_table.count(); }
+    /// Whether the ordered map has been built (it then holds size() entries).
+    bool hasMap() const { return m_mapBuilt.load(std::memory_order_acquire); }
+    /// Takes the object of \a node afresh into every entry that holds \a node.
+    void refreshObject(const COdictNode *node)
+    {
+        m_table.forEach([node](S &slot) {
+            if (slot.node == node)
+                slot.object = objectOfNode(node);
+        });
+    }
+
+protected:
+    /// Whether changes must reach the map too.
+    bool mapInStep() const { return m_mapBuilt.load(std::memory_order_relaxed); }
+    /// Empties the table and the map, which is built afresh when next asked for.
+    void clearEntries()
+    {
+        m_map.clear();
+        m_mapBuilt.store(false, std::memory_order_release);
+        m_table.clear();
+    }
+    /// Sorts the table's entries by key and fills the map with them, each at its end.
+    void buildMap() const;
+
+    mutable M m_map;
+    mutable std::atomic<bool> m_mapBuilt{false};
+    COdictHashTable<S> m_table;
+};
+
+/// A slot of the id index.
+struct COdictIdSlot
+{
+    // All ones is no packed id (a lower half of all ones means no sub-id, and then the upper half
+    // is zero), so it marks a free slot.
+    static constexpr quint64 s_free = ~quint64(0);
+    quint64 key = s_free;
+    // The node's object as it was entered. Null when it had none: the node is asked then, so an
+    // object that an item gets later is still found.
+    COdictObject *object = nullptr;
+    COdictNode *node = nullptr;
+
+    bool isFree() const { return key == s_free; }
+    quint64 hash() const { return key; }
+    COdictObject *objectOrNode() const { return object ? object : objectOfNode(node); }
+};
+
+/// A slot of the name index; two to a cache line, so the hash, the key and the answer of a probe
+/// lie together.
+struct alignas(32) COdictNameSlot
+{
+    quint32 hashValue = 0; // 0: free slot
+    quint32 subId = 0;
+    QString name;          // shares its characters with the object's name
+    COdictNode *node = nullptr;
+    COdictObject *object = nullptr; // as in COdictIdSlot: null means ask the node
+
+    bool isFree() const { return hashValue == 0; }
+    quint64 hash() const { return hashValue; }
+    COdictObject *objectOrNode() const { return object ? object : objectOfNode(node); }
+};
+
+/// Unique id to node: the ordered map and a hash table keyed by the packed id.
+class COdictIdIndex : public COdictOrderedHashIndex<COdictIdIndex, COdictObjectTree::IdIndex, COdictIdSlot>
+{
+public:
     /// The node entered under \a key (the entry may hold null); null when there is none.
     COdictNode *value(const COdictObjectId &key) const
     {
@@ -185,62 +261,29 @@ public:
     void remove(const COdictObjectId &key);
     /// Removes every entry.
     void clear();
-    /// Makes room for \a count entries without growing again.
-    void reserve(int count) { m_table.reserve(count); }
-    /// Entries.
-    int size() const { return m_table.count(); }
-    /// True when there are no entries.
-    bool isEmpty() const { return m_table.count() == 0; }
-    /// Entries of the hash table (the same as size()).
-    int hashedCount() const { return m_table.count(); }
-    /// Whether the ordered map has been built (it then holds size() entries).
-    bool hasMap() const { return m_mapBuilt.load(std::memory_order_acquire); }
-    /// Takes the object of \a node afresh into every entry that holds \a node.
-    void refreshObject(const COdictNode *node);
+
+    /// The key of the map for \a slot: the key it was first entered with.
+    COdictObjectId keyOf(const COdictIdSlot &slot) const;
 
 private:
     // Keys are packed ids: the map orders by the packed form, so ids of equal packed form are the
-    // same key there, and must be here. All ones is no packed id (a lower half of all ones means
-    // no sub-id, and then the upper half is zero), so it marks a free slot.
-    static constexpr quint64 s_free = ~quint64(0);
-    struct Slot
-    {
-        quint64 key = s_free;
-        // The node's object as it was entered. Null when it had none: the node is asked then,
-        // so an object that an item gets later is still found.
-        COdictObject *object = nullptr;
-        COdictNode *node = nullptr;
-
-        bool isFree() const { return key == s_free; }
-        quint64 hash() const { return key; }
-        COdictObject *objectOrNode() const { return object ? object : objectOfNode(node); }
-    };
+    // same key there, and must be here.
+    using Slot = COdictIdSlot;
     const Slot *find(quint64 packed) const
     {
         return m_table.find(packed, [packed](const Slot &slot) { return slot.key == packed; });
     }
-    void buildMap() const;
 
     // The packed form of a sub-object of object 0 is that of the plain id of its sub-id. Like
     // the map, an entry keeps the key it was first entered with: those keys are kept here, as the
     // packed key cannot tell them.
     QHash<quint64, COdictObjectId> m_zeroSubKeys;
-    mutable COdictObjectTree::IdIndex m_map;
-    mutable std::atomic<bool> m_mapBuilt{false};
-    COdictHashTable<Slot> m_table;
 };
 
 /// Unique name to node: the ordered map and a hash table keyed by the merged name.
-class COdictNameIndex
+class COdictNameIndex : public COdictOrderedHashIndex<COdictNameIndex, COdictObjectTree::NameIndex, COdictNameSlot>
 {
 public:
-    /// The ordered map (key order as COdictObjectName orders), built on the first call.
-    const COdictObjectTree::NameIndex &map() const
-    {
-        if (!m_mapBuilt.load(std::memory_order_acquire))
-            buildMap();
-        return m_map;
-    }
     /// The node entered under the merged key of \a name (the entry may hold null); null when none.
     COdictNode *value(const COdictObjectName &name) const { return value(name.name(), name.subId()); }
     /// The node entered under the merged key of (\a name, \a subId); null when none.
@@ -267,18 +310,6 @@ public:
     void remove(const COdictObjectName &name);
     /// Removes every entry.
     void clear();
-    /// Makes room for \a count entries without growing again.
-    void reserve(int count) { m_table.reserve(count); }
-    /// Entries.
-    int size() const { return m_table.count(); }
-    /// True when there are no entries.
-    bool isEmpty() const { return m_table.count() == 0; }
-    /// Entries of the hash table (the same as size()).
-    int hashedCount() const { return m_table.count(); }
-    /// Whether the ordered map has been built (it then holds size() entries).
-    bool hasMap() const { return m_mapBuilt.load(std::memory_order_acquire); }
-    /// Takes the object of \a node afresh into every entry that holds \a node.
-    void refreshObject(const COdictNode *node);
 
     /// The hash of the merged key of (\a name, \a subId), computed over the name's characters
     /// and then those of "_" and the sub-id's digits, without building the merged text. Never 0.
@@ -293,20 +324,11 @@ public:
             && (a.data() == b.data() || std::memcmp(a.data(), b.data(), size_t(a.size()) * sizeof(QChar)) == 0);
     }
 
-private:
-    // Two slots to a cache line: the hash, the key and the answer of a probe lie together.
-    struct alignas(32) Slot
-    {
-        quint32 hashValue = 0; // 0: free slot
-        quint32 subId = 0;
-        QString name;          // shares its characters with the object's name
-        COdictNode *node = nullptr;
-        COdictObject *object = nullptr; // as in COdictIdIndex: null means ask the node
+    /// The key of the map for \a slot.
+    COdictObjectName keyOf(const COdictNameSlot &slot) const { return COdictObjectName(slot.name, slot.subId); }
 
-        bool isFree() const { return hashValue == 0; }
-        quint64 hash() const { return hashValue; }
-        COdictObject *objectOrNode() const { return object ? object : objectOfNode(node); }
-    };
+private:
+    using Slot = COdictNameSlot;
     static bool sameMergedKeyOfOtherSubIds(QStringView a, unsigned int subA, QStringView b, unsigned int subB);
     const Slot *find(QStringView name, unsigned int subId) const
     {
@@ -317,11 +339,6 @@ private:
         });
     }
 
-    void buildMap() const;
-
-    mutable COdictObjectTree::NameIndex m_map;
-    mutable std::atomic<bool> m_mapBuilt{false};
-    COdictHashTable<Slot> m_table;
 };
 
 /// Reference id to node over every node of a tree, the root included: the nodes a walk from the

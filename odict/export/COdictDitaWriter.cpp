@@ -327,23 +327,32 @@ QByteArray COdictDitaWriter::escaped(const QString &text)
 
 namespace {
 
-/// The escape of an ASCII character, or null when it stands for itself. \a skip is set for the
-/// control characters XML 1.0 cannot carry.
-inline const char *escapeOf(ushort u, bool inAttribute, bool &skip)
+/// Writes the ASCII character \a u at \a out, escaped where XML needs it (line ends and tabs
+/// also in attribute values), and returns the position after it. The control characters XML 1.0
+/// cannot carry are left out.
+inline char *putAscii(char *out, ushort u, bool inAttribute)
 {
-    skip = false;
+    const char *escape = nullptr;
     switch (u) {
-    case '<': return "&lt;";
-    case '>': return "&gt;";
-    case '&': return "&amp;";
-    case '"': return "&quot;";
-    case '\t': return inAttribute ? "&#9;" : nullptr;
-    case '\n': return inAttribute ? "&#10;" : nullptr;
-    case '\r': return inAttribute ? "&#13;" : nullptr;
+    case '<': escape = "&lt;"; break;
+    case '>': escape = "&gt;"; break;
+    case '&': escape = "&amp;"; break;
+    case '"': escape = "&quot;"; break;
+    case '\t': escape = inAttribute ? "&#9;" : nullptr; break;
+    case '\n': escape = inAttribute ? "&#10;" : nullptr; break;
+    case '\r': escape = inAttribute ? "&#13;" : nullptr; break;
     default:
-        skip = u < 0x20;
-        return nullptr;
+        if (u < 0x20)
+            return out;
+        break;
     }
+    if (!escape) {
+        *out++ = char(u);
+        return out;
+    }
+    const size_t length = std::strlen(escape);
+    std::memcpy(out, escape, length);
+    return out + length;
 }
 
 } // namespace
@@ -358,14 +367,7 @@ void COdictDitaWriter::appendEscaped(const QString &text, bool inAttribute)
     for (; p != end; ++p) {
         const ushort u = *p;
         if (u < 0x80) {
-            bool skip = false;
-            if (const char *escape = escapeOf(u, inAttribute, skip)) {
-                const size_t length = std::strlen(escape);
-                std::memcpy(out, escape, length);
-                out += length;
-            } else if (!skip) {
-                *out++ = char(u);
-            }
+            out = putAscii(out, u, inAttribute);
         } else if (u < 0x800) {
             *out++ = char(0xC0 | (u >> 6));
             *out++ = char(0x80 | (u & 0x3F));
@@ -395,14 +397,7 @@ void COdictDitaWriter::appendEscaped(QLatin1String text, bool inAttribute)
     for (const char c : text) {
         const ushort u = uchar(c);
         if (u < 0x80) {
-            bool skip = false;
-            if (const char *escape = escapeOf(u, inAttribute, skip)) {
-                const size_t length = std::strlen(escape);
-                std::memcpy(out, escape, length);
-                out += length;
-            } else if (!skip) {
-                *out++ = c;
-            }
+            out = putAscii(out, u, inAttribute);
         } else {
             *out++ = char(0xC0 | (u >> 6));
             *out++ = char(0x80 | (u & 0x3F));

@@ -594,35 +594,17 @@ bool COdictExportDocPrivate::writeObject(int topic)
 
     const COdictObjectEnum *values = object.enumDataPtr();
     if (!values->isEmpty()) {
-        writer.start("section");
-        writer.attribute("id", QLatin1String("values"));
-        writer.element("title", label(L_VALUES));
-        writer.start("simpletable");
-        writer.attribute("relcolwidth", QLatin1String("1* 4*"));
-        writer.start("sthead");
-        headCell(L_VALUE);
-        headCell(L_TEXT);
-        writer.end();
+        openListSection("values", L_VALUES, L_VALUE);
         for (const auto &value : values->enums())
             row({QString::number(value.value), translated(value.name)});
-        writer.end();
-        writer.end();
+        closeListSection();
     }
     const COdictObjectBitSet *bits = object.bitSetDataPtr();
     if (!bits->isEmpty()) {
-        writer.start("section");
-        writer.attribute("id", QLatin1String("bits"));
-        writer.element("title", label(L_BITS));
-        writer.start("simpletable");
-        writer.attribute("relcolwidth", QLatin1String("1* 4*"));
-        writer.start("sthead");
-        headCell(L_BIT);
-        headCell(L_TEXT);
-        writer.end();
+        openListSection("bits", L_BITS, L_BIT);
         for (const auto &bit : bits->bitSet())
             row({QString::number(bit.pos), translated(bit.name)});
-        writer.end();
-        writer.end();
+        closeListSection();
     }
     if (entry.end > topic + 1) {
         writer.start("section");
@@ -633,6 +615,25 @@ bool COdictExportDocPrivate::writeObject(int topic)
     }
     writer.end(); // refbody
     return writer.commit();
+}
+
+void COdictExportDocPrivate::openListSection(const char *id, int title, int keyLabel)
+{
+    writer.start("section");
+    writer.attribute("id", QLatin1String(id));
+    writer.element("title", label(title));
+    writer.start("simpletable");
+    writer.attribute("relcolwidth", QLatin1String("1* 4*"));
+    writer.start("sthead");
+    headCell(keyLabel);
+    headCell(L_TEXT);
+    writer.end();
+}
+
+void COdictExportDocPrivate::closeListSection()
+{
+    writer.end(); // simpletable
+    writer.end(); // section
 }
 
 void COdictExportDocPrivate::writeObjectTable(int topic)

@@ -53,6 +53,10 @@ private:
     void writeProperties(const COdictObject &object, const QString &displayName, const QString &shortName);
     /// A table of the objects among the direct children of \a topic, each linked to its topic.
     void writeObjectTable(int topic);
+    /// Opens a section \a id titled \a title with a two-column table of \a keyLabel and text
+    /// (enumeration values, bits); rows follow, then closeListSection().
+    void openListSection(const char *id, int title, int keyLabel);
+    void closeListSection();
     /// One table row with a cell per text (a list on the stack: rows are the most frequent call).
     void row(std::initializer_list<QString> cells);
     /// A row of a property table: the fixed text \a label, then \a value.
