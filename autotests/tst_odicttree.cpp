@@ -14,6 +14,7 @@
 #include <QVector>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
 
 using namespace NkrOdict;
@@ -673,6 +674,17 @@ private slots:
                 tree.idIndex();
                 tree.nameIndex();
             }
+        }
+        // The sorted keys come from the table while the map is not built, from the map after.
+        for (int pass = 0; pass < 2; ++pass) {
+            const QList<COdictObjectId> keys = tree.allObjectUIds();
+            QCOMPARE(keys.size(), ids.size());
+            for (int i = 0; i < keys.size(); ++i) {
+                QCOMPARE(keys.at(i).id(), ids.keys().at(i).id());
+                QCOMPARE(keys.at(i).subId(), ids.keys().at(i).subId());
+            }
+            QCOMPARE(tree.highestId(), ids.isEmpty() ? 0u : std::max_element(ids.keyBegin(), ids.keyEnd(), [](const auto &x, const auto &y) { return x.id() < y.id(); })->id());
+            tree.idIndex();
         }
         QCOMPARE(tree.idIndex().keys(), ids.keys());
         for (auto i = tree.idIndex().cbegin(); i != tree.idIndex().cend(); ++i) {

@@ -36,11 +36,6 @@ QString kindName(eObjectType_t kind)
     }
 }
 
-const COdictObject *objectOf(const COdictNode *node)
-{
-    return node && node->hasData() ? node->dataPtr()->objectPtr() : nullptr;
-}
-
 } // namespace
 
 // ---- COdictPrivate ----
@@ -388,9 +383,8 @@ bool COdict::hasVisibleObjects(unsigned int level) const
     Q_D(const COdict);
     if (!d->tree)
         return false;
-    const auto &index = d->tree->idIndex();
-    for (auto it = index.cbegin(); it != index.cend(); ++it) {
-        const COdictObject *object = objectOf(it.value());
+    for (const COdictObjectId &key : d->tree->allObjectUIds()) {
+        const COdictObject *object = d->tree->objectPtr(key);
         if (object && object->userlevelVisible() <= level)
             return true;
     }

@@ -88,9 +88,8 @@ COdictCanOpenMap::COdictCanOpenMap(const COdict *odict) : d_ptr(new COdictCanOpe
     if (!tree)
         return;
     QMap<unsigned int, QList<const COdictObject *>> claims;
-    const COdictObjectTree::IdIndex &ids = tree->idIndex();
-    for (auto it = ids.cbegin(); it != ids.cend(); ++it) {
-        const COdictObject *object = it.value() ? it.value()->dataRef().objectPtr() : nullptr;
+    for (const COdictObjectId &key : tree->allObjectUIds()) {
+        const COdictObject *object = tree->objectPtr(key);
         if (!object || object->isSubObject() || object->isVirtual() || !object->isValid())
             continue;
         const unsigned int index = COdictCanOpen::index(*object);

@@ -56,9 +56,8 @@ public:
         if (!tree)
             return {};
         QHash<COdictObjectName, const COdictObject *> names;
-        const COdictObjectTree::IdIndex &index = tree->idIndex();
-        for (auto it = index.cbegin(); it != index.cend(); ++it) {
-            const COdictObject *object = it.value() ? it.value()->dataRef().objectPtr() : nullptr;
+        for (const COdictObjectId &key : tree->allObjectUIds()) {
+            const COdictObject *object = tree->objectPtr(key);
             if (!object || object->isVirtual())
                 continue;
             limits(*object, object->minValue(), object->maxValue(), object->defaultValue(), QString());
@@ -75,7 +74,7 @@ public:
                 add("display-name-missing", *object, QStringLiteral("%1: no display name").arg(object->longInfo()),
                     NkrLogfiles::E_SEV_INFO);
             if (!object->isSubObject())
-                subObjects(*object, it.value());
+                subObjects(*object, tree->node(key));
         }
         const COdictCanOpenMap canOpen(m_odict);
         for (const sOdictCanOpenPlace_t &place : canOpen.collisions()) {

@@ -58,7 +58,7 @@ struct sSide_t {
     {
         if (!tree)
             return;
-        byId.reserve(tree->idIndex().size());
+        byId.reserve(tree->objectCount());
         // One walk from the dictionary node gives every node its group path.
         QVector<QPair<const COdictNode *, QString>> pending;
         if (const COdictNode *top = tree->dictionaryNode())

@@ -132,42 +132,26 @@ COdictNode *COdictObjectTreePrivate::groupNode(QStringView name, COdictNode *fro
 
 unsigned int COdictObjectTreePrivate::highestId() const
 {
-    if (idIndex.isEmpty())
-        return 0;
-    // Keys order by their packed form: plain ids first (key = id), then sub-objects by (id, sub-id).
-    // The greatest id is that of the last key or that of the last plain key, whichever is larger.
-    unsigned int highest = std::prev(idIndex.map().cend()).key().id();
-    const COdictObjectTree::IdIndex &ids = idIndex.map();
-    auto it = ids.lowerBound(COdictObjectId(1u, 0u)); // first key of a sub-object of id >= 1
-    while (it != ids.cbegin()) {
-        --it;
-        // Sub-objects of id 0 pack below 2^32 and sit among the plain ids: step over them.
-        if (it.key().subId() == 0xFFFFFFFFu) {
-            highest = qMax(highest, it.key().id());
-            break;
-        }
-    }
-    return highest;
+    // Keys order by their packed form, so every key's id is looked at: plain ids, sub-objects by
+    // (id, sub-id), and the sub-objects of id 0 among the plain ids.
+    return idIndex.highestId();
 }
 
 COdictObjectId COdictObjectTreePrivate::highestUId() const
 {
-    // The greatest valid id with its greatest real sub-id, or its own key without sub-objects.
-    // Keys order by their packed form, which puts every plain id before the sub-objects of ids
-    // from 1 up and the sub-objects of id 0 among the plain ids, so all keys are looked at.
+    // The greatest valid id with its greatest real sub-id, or its own key without sub-objects:
+    // a maximum, so the keys may come in any order.
     COdictObjectId result(0xFFFFFFFFu, 0xFFFFFFFFu);
-    const COdictObjectTree::IdIndex &ids = idIndex.map();
-    for (auto it = ids.cbegin(); it != ids.cend(); ++it) {
-        const COdictObjectId &key = it.key();
+    idIndex.forEachKey([&result](const COdictObjectId &key) {
         if (!key.isValid())
-            continue;
+            return;
         if (!result.isValid() || key.id() > result.id()) {
             result = key;
         } else if (key.id() == result.id() && key.subId() != 0xFFFFFFFFu
                    && (result.subId() == 0xFFFFFFFFu || key.subId() > result.subId())) {
             result = key;
         }
-    }
+    });
     return result;
 }
 
@@ -177,7 +161,7 @@ QList<COdictObjectId> COdictObjectTreePrivate::allObjectUIds(const COdictNode *n
         return {};
     const eItemType_t type = node->dataPtr()->type();
     if (type == E_IT_DICTIONARY)
-        return idIndex.map().keys();
+        return idIndex.keys();
     if (type != E_IT_GROUP)
         return {};
     // Direct object children in child order, nested groups spliced in at their places.
@@ -492,7 +476,8 @@ COdictNode *COdictObjectTree::findGroupNode(const QString &name, COdictNode *fro
 
 unsigned int COdictObjectTree::highestId() const { return d_func()->highestId(); }
 COdictObjectId COdictObjectTree::highestUId() const { return d_func()->highestUId(); }
-QList<COdictObjectId> COdictObjectTree::allObjectUIds() const { return d_func()->idIndex.map().keys(); }
+QList<COdictObjectId> COdictObjectTree::allObjectUIds() const { return d_func()->idIndex.keys(); }
+int COdictObjectTree::objectCount() const { return d_func()->idIndex.size(); }
 
 QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) const
 {
@@ -501,11 +486,9 @@ QList<COdictObjectId> COdictObjectTree::allObjectUIds(const COdictNode *node) co
 
 QList<unsigned int> COdictObjectTree::allObjectIds() const
 {
-    const IdIndex &index = d_func()->idIndex.map();
     QList<unsigned int> ids;
-    ids.reserve(index.size());
-    for (auto it = index.cbegin(); it != index.cend(); ++it)
-        ids.append(it.key().id());
+    for (const COdictObjectId &uid : allObjectUIds())
+        ids.append(uid.id());
     return ids;
 }
 

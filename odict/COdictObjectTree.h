@@ -107,6 +107,8 @@ public:
     COdictObjectId highestUId() const;
     /// All keys of the id index, in key order.
     QList<COdictObjectId> allObjectUIds() const;
+    /// The number of keys of the id index (without building the ordered map).
+    int objectCount() const;
     /// The unique ids below a group in child order (nested groups spliced in), all of them for
     /// the dictionary node, none for any other node.
     QList<COdictObjectId> allObjectUIds(const COdictNode *node) const;
@@ -155,7 +157,8 @@ public:
     /// Enters \a node under \a id (replacing an entry of that id).
     void insertId(const COdictObjectId &id, COdictNode *node);
 
-    /// The id index (read-only).
+    /// The id index (read-only). The ordered map is built on the first call and kept in step
+    /// from then on; allObjectUIds(), objectCount() and node() work without it.
     const IdIndex &idIndex() const;
     /// The name index (read-only).
     const NameIndex &nameIndex() const;

@@ -18,18 +18,24 @@ QBasicMutex mapBuildLock;
 } // namespace
 
 template <class D, class M, class S>
-void COdictOrderedHashIndex<D, M, S>::buildMap() const
+std::vector<std::pair<typename M::key_type, COdictNode *>> COdictOrderedHashIndex<D, M, S>::sortedEntries() const
 {
-    QMutexLocker locker(&mapBuildLock);
-    if (mapInStep())
-        return;
     std::vector<std::pair<typename M::key_type, COdictNode *>> entries;
     entries.reserve(size_t(m_table.count()));
     const D &index = static_cast<const D &>(*this);
     m_table.forEach([&index, &entries](const S &slot) { entries.emplace_back(index.keyOf(slot), slot.node); });
     std::sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    return entries;
+}
+
+template <class D, class M, class S>
+void COdictOrderedHashIndex<D, M, S>::buildMap() const
+{
+    QMutexLocker locker(&mapBuildLock);
+    if (m_mapBuilt.load(std::memory_order_relaxed))
+        return;
     m_map.clear();
-    for (const auto &entry : entries)
+    for (const auto &entry : sortedEntries())
         m_map.insert(m_map.cend(), entry.first, entry.second); // in order: each lands at the end
     m_mapBuilt.store(true, std::memory_order_release);
 }
@@ -67,6 +73,29 @@ COdictObjectId COdictIdIndex::keyOf(const COdictIdSlot &slot) const
 {
     const auto zero = m_zeroSubKeys.constFind(slot.key);
     return zero != m_zeroSubKeys.cend() ? zero.value() : COdictObjectId(quint64(slot.key));
+}
+
+QList<COdictObjectId> COdictIdIndex::keys() const
+{
+    if (hasMap())
+        return m_map.keys();
+    // Sorting the keys alone costs 8 bytes a key for a moment; the map would keep 48 for good.
+    QList<COdictObjectId> keys;
+    keys.reserve(size());
+    std::vector<COdictObjectId> sorted;
+    sorted.reserve(size_t(size()));
+    forEachKey([&sorted](const COdictObjectId &key) { sorted.push_back(key); });
+    std::sort(sorted.begin(), sorted.end());
+    for (const COdictObjectId &key : sorted)
+        keys.append(key);
+    return keys;
+}
+
+unsigned int COdictIdIndex::highestId() const
+{
+    unsigned int highest = 0;
+    forEachKey([&highest](const COdictObjectId &key) { highest = qMax(highest, key.id()); });
+    return highest;
 }
 
 void COdictIdIndex::remove(const COdictObjectId &key)

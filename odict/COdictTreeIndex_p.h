@@ -199,6 +199,8 @@ protected:
     }
     /// Sorts the table's entries by key and fills the map with them, each at its end.
     void buildMap() const;
+    /// The table's entries (key, node) sorted by key.
+    std::vector<std::pair<typename M::key_type, COdictNode *>> sortedEntries() const;
 
     mutable M m_map;
     mutable std::atomic<bool> m_mapBuilt{false};
@@ -264,6 +266,16 @@ public:
 
     /// The key of the map for \a slot: the key it was first entered with.
     COdictObjectId keyOf(const COdictIdSlot &slot) const;
+    /// Every key in key order, without building the map when it is not there yet.
+    QList<COdictObjectId> keys() const;
+    /// The greatest id of any key; 0 without keys.
+    unsigned int highestId() const;
+    /// Calls \a visit(key) for every key, in no particular order.
+    template <class Visit>
+    void forEachKey(Visit visit) const
+    {
+        m_table.forEach([this, &visit](const COdictIdSlot &slot) { visit(keyOf(slot)); });
+    }
 
 private:
     // Keys are packed ids: the map orders by the packed form, so ids of equal packed form are the

@@ -100,10 +100,12 @@ const COdictEditorObject *COdictExportBasePrivate::editorObjectAt(const COdictOb
     const COdictObjectTree *tree = odict ? odict->objectTree() : nullptr;
     if (!tree)
         return nullptr;
-    const auto it = tree->idIndex().constFind(key);
-    if (it == tree->idIndex().cend() || !(it.key() == key) || !it.value())
+    // The node of the packed key, if its object has exactly this key.
+    const COdictNode *node = tree->node(key);
+    const COdictObject *object = node ? node->dataRef().objectPtr() : nullptr;
+    if (!object || !(object->uniqueId() == key))
         return nullptr;
-    return it.value()->dataRef().toEditorObjectPtr();
+    return node->dataRef().toEditorObjectPtr();
 }
 
 QList<QPair<quint32, const COdictEditorObject *>> COdictExportBasePrivate::plainObjects() const
@@ -112,13 +114,12 @@ QList<QPair<quint32, const COdictEditorObject *>> COdictExportBasePrivate::plain
     const COdictObjectTree *tree = odict ? odict->objectTree() : nullptr;
     if (!tree)
         return result;
-    const COdictObjectTree::IdIndex &index = tree->idIndex();
-    result.reserve(index.size());
+    const QList<COdictObjectId> keys = tree->allObjectUIds();
+    result.reserve(keys.size());
     // Plain keys pack to their id and sort before every sub-object key (apart from the
     // sub-objects of object 0, which are skipped by their sub-id), so the walk ends at the
     // first key of id 1 or above that has a sub-id.
-    for (auto it = index.cbegin(); it != index.cend(); ++it) {
-        const COdictObjectId &key = it.key();
+    for (const COdictObjectId &key : keys) {
         if (key.subId() != COdictObject::NoId) {
             if (key.id() != 0)
                 break;
@@ -126,7 +127,8 @@ QList<QPair<quint32, const COdictEditorObject *>> COdictExportBasePrivate::plain
         }
         if (key.id() >= objectCount)
             break;
-        result.append(qMakePair(key.id(), it.value() ? it.value()->dataRef().toEditorObjectPtr() : nullptr));
+        const COdictNode *node = tree->node(key);
+        result.append(qMakePair(key.id(), node ? node->dataRef().toEditorObjectPtr() : nullptr));
     }
     return result;
 }

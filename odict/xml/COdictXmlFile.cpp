@@ -502,7 +502,7 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
     QSaveFile file(fileName);
     if (!CSaveFile::open(file, &m_error))
         return 2;
-    COdictProgressMeter meter(progress, tree.idIndex().size());
+    COdictProgressMeter meter(progress, tree.objectCount());
     QXmlStreamWriter x(&file);
     x.setCodec("UTF-8");
     x.setAutoFormatting(true);

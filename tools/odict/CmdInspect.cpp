@@ -116,11 +116,10 @@ int runInfo(const QStringList &arguments)
     // Objects per id area, from the id index (ordered: plain ids first).
     QMap<int, QPair<unsigned int, unsigned int>> extent; // area -> (lowest, highest)
     QMap<int, int> counts;
-    const auto &index = tree->idIndex();
-    for (auto it = index.cbegin(); it != index.cend(); ++it) {
-        if (it.key().subId() != 0xFFFFFFFFu)
+    for (const COdictObjectId &key : tree->allObjectUIds()) {
+        if (key.subId() != 0xFFFFFFFFu)
             continue;
-        const unsigned int id = it.key().id();
+        const unsigned int id = key.id();
         for (int r = 0; r < int(sizeof(ranges) / sizeof(ranges[0])); ++r) {
             if (id < ranges[r].first || id > ranges[r].last)
                 continue;
