@@ -48,6 +48,12 @@ QVariant COdictParameterObject::value(int index) const
 void COdictParameterObject::setValues(const QMap<int, QVariant> &values) { dp->setMap(values); }
 QMap<int, QVariant> COdictParameterObject::values() const { return dp->toMap(); }
 
+void COdictParameterObject::forEachValue(const std::function<void(int, const QVariant &)> &visit) const
+{
+    for (const COdictParameterObjectPrivate::sEntry &entry : *dp)
+        visit(entry.set, entry.value);
+}
+
 bool COdictParameterObject::operator==(const COdictParameterObject &other) const
 {
     return COdictObject::operator==(other) && (dp == other.dp || dp->equals(*other.dp));

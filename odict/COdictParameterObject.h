@@ -4,6 +4,8 @@
 
 #include <QMap>
 
+#include <functional>
+
 class COdictParameterObjectPrivate;
 
 /// A dictionary object with one value per parameter set (set index to value), as a parameter
@@ -38,6 +40,9 @@ public:
     virtual void setValues(const QMap<int, QVariant> &values);
     /// The values by parameter-set index.
     virtual QMap<int, QVariant> values() const;
+    /// Calls \a visit with each parameter-set index and its value, in index order, without
+    /// building the map of values().
+    void forEachValue(const std::function<void(int set, const QVariant &value)> &visit) const;
 
     /// True when the base parts, values and error are equal.
     bool operator==(const COdictParameterObject &other) const;

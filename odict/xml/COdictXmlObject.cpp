@@ -399,17 +399,17 @@ void writeFields(W &w, const COdictObject &o)
     case E_OT_PARAMETER: {
         const auto &p = static_cast<const COdictParameterObject &>(o);
         w.text("Error", QString::number(p.error()));
-        const QMap<int, QVariant> values = p.values();
-        if (!values.isEmpty()) {
-            w.start("Param");
-            for (auto it = values.cbegin(); it != values.cend(); ++it) {
-                const QString text = p.arrayLength() >= 2
-                    ? QString::fromLatin1(it.value().toByteArray().toHex())
-                    : CVariant::fromVariant(it.value(), p.dataType()).toStr();
-                w.entry("Value", "id", QString::number(it.key()), text);
-            }
+        bool open = false;
+        p.forEachValue([&](int set, const QVariant &value) {
+            if (!open)
+                w.start("Param");
+            open = true;
+            const QString text = p.arrayLength() >= 2 ? QString::fromLatin1(value.toByteArray().toHex())
+                                                       : CVariant::fromVariant(value, p.dataType()).toStr();
+            w.entry("Value", "id", QString::number(set), text);
+        });
+        if (open)
             w.end();
-        }
         break;
     }
     default:
