@@ -156,17 +156,9 @@ static void endOfToken(XML_Parser parser, qint64 *line, qint64 *column)
     if (!buffer || count <= 0 || offset + count > size)
         return;
     const char *token = buffer + offset;
-    // Nearly every tag stands on one line: then only the characters count (one pass without
-    // branches over the tag's bytes).
-    bool lineBreak = false;
-    qint64 units = 0;
-    for (int i = 0; i < count; ++i) {
-        const unsigned char byte = static_cast<unsigned char>(token[i]);
-        lineBreak |= byte == '\n' || byte == '\r';
-        units += ((byte & 0xC0) != 0x80) + (byte >= 0xF0);
-    }
-    if (!lineBreak) {
-        *column += units;
+    // Nearly every tag stands on one line: then only the characters count.
+    if (!std::memchr(token, '\n', size_t(count)) && !std::memchr(token, '\r', size_t(count))) {
+        *column += CXmlPullReaderPrivate::utf16Size(token, size_t(count));
         return;
     }
     for (const char *p = token, *end = p + count; p < end; ++p) {
