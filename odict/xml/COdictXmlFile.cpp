@@ -154,6 +154,42 @@ void readDataStructures(CXmlPullReader &reader, COdictDataStructure &list, const
     }
 }
 
+/// Collects what QXmlStreamWriter writes, piece by piece, and hands it to the file in large
+/// chunks: a file device pays for every write call, and the writer makes several per element.
+class CChunkedDevice : public QIODevice
+{
+public:
+    explicit CChunkedDevice(QIODevice *target) : m_target(target)
+    {
+        m_chunk.reserve(s_chunkSize + s_chunkSize / 4);
+        open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    }
+    /// Writes what is collected; false when the file refused it.
+    bool flushChunk()
+    {
+        if (!m_failed && !m_chunk.isEmpty() && m_target->write(m_chunk) != m_chunk.size())
+            m_failed = true;
+        m_chunk.resize(0); // keeps the capacity
+        return !m_failed;
+    }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        m_chunk.append(data, int(size));
+        if (m_chunk.size() >= s_chunkSize && !flushChunk())
+            return -1;
+        return size;
+    }
+
+private:
+    static constexpr int s_chunkSize = 256 * 1024;
+    QIODevice *m_target;
+    QByteArray m_chunk;
+    bool m_failed = false;
+};
+
 void writeDataStructures(QXmlStreamWriter &x, const COdictDataStructure &list)
 {
     x.writeStartElement(QStringLiteral("DataStructures"));
@@ -503,7 +539,8 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
     if (!CSaveFile::open(file, &m_error))
         return 2;
     COdictProgressMeter meter(progress, tree.objectCount());
-    QXmlStreamWriter x(&file);
+    CChunkedDevice chunks(&file);
+    QXmlStreamWriter x(&chunks);
     x.setCodec("UTF-8");
     x.setAutoFormatting(true);
     x.setAutoFormattingIndent(2);
@@ -525,7 +562,7 @@ int COdictXmlFile::write(const COdictObjectTree &tree, const QString &fileName, 
     x.setAutoFormatting(true);
     x.writeEndElement();
     x.writeEndDocument();
-    if (x.hasError())
+    if (!chunks.flushChunk() || x.hasError())
         file.cancelWriting();
     if (!CSaveFile::commit(file)) {
         m_error = CSaveFile::writeError(fileName, file.errorString());
