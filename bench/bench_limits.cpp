@@ -3,7 +3,6 @@
 #include <CXmlInputCheck.h>
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -72,12 +71,3 @@ void BM_LoadNestedDataFile(benchmark::State &state)
 BENCHMARK(BM_LoadNestedDataFile)->Arg(1)->Arg(16)->Arg(253)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -4,7 +4,6 @@
 #include <COdictEditorObject.h>
 #include <COdictObjectTree.h>
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -118,12 +117,3 @@ void BM_LookupByName(benchmark::State &state)
 BENCHMARK(BM_LookupByName);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

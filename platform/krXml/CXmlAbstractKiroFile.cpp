@@ -306,43 +306,41 @@ void CXmlAbstractKiroFile::writeHeaderElement(QDomDocument &doc, QDomElement hea
     add(kVersion, CStr::versionToString(meta.version()));
 }
 
-CXMLMetaData CXmlAbstractKiroFile::readHeader(QXmlStreamReader &reader)
+namespace {
+
+// The parts of a "Header" element on which \a reader stands, from any of the readers: \a name
+// and \a text give the name and the text of the child element the reader stands on.
+template <class Reader, class Name, class Text>
+CXMLMetaData readHeaderWith(Reader &reader, Name name, Text text)
 {
     CXMLMetaData meta;
     if (!reader.isStartElement())
         return meta;
     while (reader.readNextStartElement()) {
-        const QString name = reader.name().toString();
-        const QString text = CXmlInputCheck::elementText(reader);
-        setMetaPart(meta, QStringRef(&name), text);
+        const QString tag = name(reader);
+        setMetaPart(meta, QStringRef(&tag), text(reader));
     }
     return meta;
+}
+
+} // namespace
+
+CXMLMetaData CXmlAbstractKiroFile::readHeader(QXmlStreamReader &reader)
+{
+    return readHeaderWith(reader, [](QXmlStreamReader &r) { return r.name().toString(); },
+                          [](QXmlStreamReader &r) { return CXmlInputCheck::elementText(r); });
 }
 
 CXMLMetaData CXmlAbstractKiroFile::readHeader(CXmlCheckedReader &reader)
 {
-    CXMLMetaData meta;
-    if (!reader.isStartElement())
-        return meta;
-    while (reader.readNextStartElement()) {
-        const QString name = reader.name().toString();
-        const QString text = reader.elementText();
-        setMetaPart(meta, QStringRef(&name), text);
-    }
-    return meta;
+    return readHeaderWith(reader, [](CXmlCheckedReader &r) { return r.name().toString(); },
+                          [](CXmlCheckedReader &r) { return r.elementText(); });
 }
 
 CXMLMetaData CXmlAbstractKiroFile::readHeader(CXmlPullReader &reader)
 {
-    CXMLMetaData meta;
-    if (!reader.isStartElement())
-        return meta;
-    while (reader.readNextStartElement()) {
-        const QString name = reader.nameString();
-        const QString text = reader.elementText();
-        setMetaPart(meta, QStringRef(&name), text);
-    }
-    return meta;
+    return readHeaderWith(reader, [](CXmlPullReader &r) { return r.nameString(); },
+                          [](CXmlPullReader &r) { return r.elementText(); });
 }
 
 void CXmlAbstractKiroFile::writeHeader(QXmlStreamWriter &writer, const CXMLMetaData &meta)
